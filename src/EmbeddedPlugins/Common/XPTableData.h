@@ -1,0 +1,62 @@
+// The one in-memory table: equally long contiguous columns of doubles and a list of column names.
+#pragma once
+
+#include "EmbeddedPlugins/Common/XValueRange.h"
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+/// Raised by a write that would grow the table beyond its memory limit, before anything is allocated.
+struct TableTooLarge : std::runtime_error {
+    TableTooLarge(std::uint64_t columns, std::uint64_t rows, std::uint64_t bytes);
+    std::uint64_t neededBytes;
+};
+
+/// Filled by one producer thread, then only read, by any thread, through `shared_ptr<const XPTableData>`.
+/// Slots that were never written hold a quiet NaN. Columns are counted from 0.
+class XPTableData {
+  public:
+    XPTableData() = default;
+    ~XPTableData();
+    XPTableData(const XPTableData&) = delete;
+    XPTableData& operator=(const XPTableData&) = delete;
+
+    /// Bytes that the columns may take; growth beyond throws TableTooLarge. Unlimited at first.
+    void setMemoryLimit(std::uint64_t bytes);
+
+    /// Grows the table if needed, stores the value. Throws TableTooLarge, leaving the table as it was.
+    /// Fails the assertion "rc_addr failed!" when the system has no memory.
+    void writeValueAtColRow(double value, std::uint64_t col, std::uint64_t row);
+    void writeNullAtColRow(std::uint64_t col, std::uint64_t row);
+
+    std::uint64_t columnsNumber() const;
+    /// Highest row written, plus one. Kept: a table into which nothing was written has one row.
+    std::uint64_t rowsNumber() const;
+    /// Capacity of every column, in values.
+    std::uint64_t rowsAllocated() const;
+
+    /// The live storage of a column, `rowsNumber` values (none allocated: fewer), or null when `index` is not below
+    /// `columnsNumber`. Valid until the next write that grows the table.
+    const double* getColumnDataOfIndex(std::uint64_t index) const;
+    /// The same with its length: empty for a bad index, and never longer than the storage.
+    std::span<const double> column(std::uint64_t index) const;
+
+    /// Least and greatest finite value of a column within `validRange`; a bound that is not finite is open.
+    /// `number` is 1-based; 0 or less is the row number: {0, rowsNumber - 1}. {NaN, NaN} when nothing is found.
+    /// Constant time for all values and for positive values once `summarizeColumns` ran; else a scan.
+    XValueRange getRangeOfColumnIndexWithValidValuesInRange(std::int32_t number, XValueRange validRange) const;
+
+    /// Computes the ranges that fitting asks for (all values; positive values) of every column. The producer calls
+    /// it last; a later write forgets them.
+    void summarizeColumns();
+
+    void removeColumnsWithoutData();
+    std::string debugDump() const;
+
+    const std::vector<std::string>& columnNames() const; ///< UTF-8; not kept in step with the columns
+    void setColumnNames(std::vector<std::string> names);
+};

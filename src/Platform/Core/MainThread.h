@@ -1,0 +1,37 @@
+// The two hops from a worker to the main thread, and the main thread's wait for workers.
+#pragma once
+
+#include <functional>
+
+/// The main thread is the one that made the `MainThreadLoop`. Work that is handed over runs in the order of
+/// its arrival, each piece once, from the event loop (nested loops included).
+namespace MainThread {
+
+using Work = std::function<void()>;
+
+bool isCurrent();
+
+/// Hands `work` over and returns at once. From the main thread itself, too, it runs later, from the event loop.
+/// Work that arrives after the loop ended is dropped (destroyed on the caller's thread).
+void perform(Work work);
+
+/// Hands `work` over and waits until it has run; on the main thread it runs at once. Returns whether it ran:
+/// when the program shuts down, waiting ends at once and the work is dropped. An exception that the work throws
+/// on behalf of a worker is rethrown on the worker.
+bool performAndWait(Work work);
+
+/// Runs the event loop until `done()` holds; it is asked again after every piece of handed-over work. Main thread
+/// only. This is how the main thread waits for queues and readers: it never blocks on a worker.
+void runUntil(const std::function<bool()>& done);
+
+} // namespace MainThread
+
+/// Receives handed-over work on the main thread: made once by `main` (or a test) after the application object.
+/// Destroying it ends every wait of `performAndWait`.
+class MainThreadLoop {
+  public:
+    MainThreadLoop();
+    ~MainThreadLoop();
+    MainThreadLoop(const MainThreadLoop&) = delete;
+    MainThreadLoop& operator=(const MainThreadLoop&) = delete;
+};

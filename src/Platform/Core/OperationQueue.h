@@ -1,0 +1,52 @@
+// A queue of background operations on threads of its own, at most n at once.
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <functional>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <span>
+#include <stop_token>
+#include <thread>
+#include <vector>
+
+/// A piece of background work that can be cancelled.
+class Operation {
+  public:
+    virtual ~Operation() = default;
+
+    /// The work, on a thread of the queue. A cancelled operation is still run; it polls `isCancelled`.
+    /// What it throws is logged and goes no further.
+    virtual void main() = 0;
+    /// Asks the operation to end early. Any thread.
+    virtual void cancel() { m_stop.request_stop(); }
+
+    bool isCancelled() const { return m_stop.stop_requested(); }
+    std::stop_token stopToken() const { return m_stop.get_token(); }
+
+  private:
+    std::stop_source m_stop;
+};
+
+/// Runs operations in the order they were added. An operation stays listed until its `main` has returned, hand-over
+/// to the main thread included. Operations are released on the main thread where there is one.
+class OperationQueue {
+  public:
+    explicit OperationQueue(std::size_t maxConcurrentOperations);
+    /// Cancels what is listed and joins the threads; hand-overs that wait for the main thread are served meanwhile.
+    ~OperationQueue();
+    OperationQueue(const OperationQueue&) = delete;
+    OperationQueue& operator=(const OperationQueue&) = delete;
+
+    void add(std::shared_ptr<Operation> operation);
+    /// Adds what `decide` returns, which sees the listed operations under the queue's lock and may cancel some of
+    /// them; null adds nothing.
+    void addUnderLock(
+        const std::function<std::shared_ptr<Operation>(std::span<const std::shared_ptr<Operation>>)>& decide);
+    void cancelIf(const std::function<bool(Operation&)>& predicate);
+    void cancelAll();
+    std::size_t operationCount() const;
+    bool isIdle() const { return operationCount() == 0; }
+};

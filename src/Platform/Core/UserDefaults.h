@@ -1,0 +1,24 @@
+// The user's settings that outlive a document.
+#pragma once
+
+#include <QString>
+#include <QVariant>
+
+/// The process-wide user defaults: a settings file of the user, or a store in memory (tests). Main thread.
+class UserDefaults {
+  public:
+    static UserDefaults& standard();
+
+    /// Keeps everything in memory from here on, starting empty.
+    void useMemoryStore();
+    /// Reads go on, writes are dropped: batch runs leave no trace.
+    void setReadOnly(bool readOnly);
+
+    QVariant value(const QString& key) const; ///< invalid when missing
+    int integer(const QString& key) const;    ///< 0 when missing or not a number
+    QString string(const QString& key) const;
+    QStringList stringList(const QString& key) const;
+    bool contains(const QString& key) const;
+    void set(const QString& key, const QVariant& value);
+    void remove(const QString& key);
+};
