@@ -1,1 +1,1 @@
-# axes
+# axes: values to pixels, ticks and texts. Labels are plain values.

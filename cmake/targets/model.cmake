@@ -1,1 +1,14 @@
-# model
+# model: curves, data sources, documents' values. The lists are the model's whole contents.
+set(model_headers
+  Classes/DataSourcesManager/XDataSourceProtocol.h
+  Classes/PlotModel/XCurve.h
+  Classes/PlotView/XGraphPointDescription.h
+)
+set(model_sources
+)
+if(TARGET velquin_reading AND TARGET velquin_axes AND model_sources)
+  velquin_library(model
+    HEADERS ${model_headers}
+    SOURCES ${model_sources}
+    USES velquin_reading velquin_axes Qt6::Gui)
+endif()

@@ -1,1 +1,1 @@
-# reading
+# reading: a byte stream becomes a table, on a thread of its own.

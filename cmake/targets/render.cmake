@@ -1,1 +1,1 @@
-# render
+# render: curves to images and vectors, layout and drawing of the plot, pictures of it. No widgets.
