@@ -19,6 +19,7 @@
 class XAxis;
 
 using XAxisHandle = std::shared_ptr<XAxis>;
+using XPointShape = const XGraphPointDescription*; ///< an entry of the points library, which lives for ever
 
 /// What a render task needs of a curve, taken in one go under its locks.
 struct CurveSnapshot {
@@ -35,7 +36,7 @@ struct CurveSnapshot {
     float colorAlpha = 1;
     int lineWidth = 1;      ///< points
     int ticksSize = 0;      ///< points
-    const XGraphPointDescription* ticksShape = nullptr;
+    XPointShape ticksShape = nullptr;
     quint64 changeCount = 0; ///< of the curve when the snapshot was taken
 
     /// Rows that can be drawn: the least of the lengths of the columns used, 0 without a table.
@@ -57,7 +58,7 @@ class XCurve : public Observable {
     OBSERVED(float, colorAlpha, setColorAlpha, 1.0F)
     OBSERVED(bool, isVisible, setIsVisible, true)
     OBSERVED(int, lineWidth, setLineWidth, 1)
-    OBSERVED(const XGraphPointDescription*, ticksShape, setTicksShape, nullptr)
+    OBSERVED(XPointShape, ticksShape, setTicksShape, nullptr)
     OBSERVED(int, ticksSize, setTicksSize, 0)
     OBSERVED(QString, title, setTitle, {})
     OBSERVED(int, x_data_index, setX_data_index, 0)
@@ -80,7 +81,7 @@ class XCurve : public Observable {
     OBSERVED(QString, pointsizeExpressionError, setPointsizeExpressionError, {})
     OBSERVED(XAxisHandle, axis_X, setAxis_X, {})
     OBSERVED(XAxisHandle, axis_Y, setAxis_Y, {})
-    OBSERVED(bool, needsRedraw, setNeedsRedraw, false)
+    Q_PROPERTY(bool needsRedraw READ needsRedraw WRITE setNeedsRedraw)
     OBSERVED(bool, beingRendered, setBeingRendered, false)
     OBSERVED(float, renderingProgress, setRenderingProgress, 0.0F)
 
@@ -96,6 +97,9 @@ class XCurve : public Observable {
     void setColor(RgbaColor color);
     bool pointsize_uses_expression() const { return m_pointsize_uses_expression; }
     void setPointsize_uses_expression(bool uses);
+    bool needsRedraw() const { return m_needsRedraw; }
+    /// Setting it, even when it is set, counts as a change that a running render task has not seen.
+    void setNeedsRedraw(bool needsRedraw);
 
     /// Start the evaluation of that axis; false when it has nothing to evaluate.
     bool startEvaluatingX();
@@ -117,6 +121,29 @@ class XCurve : public Observable {
     RenderedCurve rendering() const; ///< any thread, under the curve's lock
     QImage renderedImage() const;
     void discardRenderedImage();
+
+  private:
+    enum class Role { X, Y, Pointsize };
+    struct RoleSettings;
+
+    XCurve();
+    void ownKeyChanged(const KeyChange& change);
+    void dataSourceUpdated(QObject* sender);
+    void dataSourceWillRemoved(QObject* sender);
+    RoleSettings settings(Role role) const;
+    bool startEvaluating(Role role);
+    XValueRange range(Role role, const XAxisHandle& axis) const;
+    XTable lockedTable() const;
+
+    mutable std::mutex m_lock; ///< of the colour and of the rendering
+    RgbaColor m_color;
+    QImage m_renderedImage;
+    bool m_pointsize_uses_expression = false;
+    bool m_needsRedraw = false;
+    quint64 m_changeCount = 0;
+    Observation m_selfObservation;
+    NotificationCenter::Registration m_updateRegistration;
+    NotificationCenter::Registration m_removalRegistration;
 };
 
 using XCurveHandle = std::shared_ptr<XCurve>;

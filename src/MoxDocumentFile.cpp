@@ -1,0 +1,149 @@
+// A document's way from its file into objects and back.
+#include "MoxDocument.h"
+
+#include "Classes/Axes/XAxisManager.h"
+#include "Core/Assertions.h"
+#include "Platform/Core/PropertyList.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr qint64 greatestDocumentSize = 256LL * 1024 * 1024;
+
+struct FileContent {
+    QByteArray bytes;
+    QString error; ///< empty when the file was read
+};
+
+FileContent contentOf(const QString& path) {
+    const QFileInfo info(path);
+    if (info.exists() && !info.isFile())
+        return {{}, info.isDir() ? u"it is a directory"_qs : u"it is not a regular file"_qs};
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {{}, file.errorString()};
+    if (file.size() > greatestDocumentSize)
+        return {{}, u"it is too large for a document"_qs};
+    return {file.read(greatestDocumentSize), {}};
+}
+
+QString textOf(const AssertionFailure& failure) { return QString::fromUtf8(failure.what()); }
+
+} // namespace
+
+std::optional<QString> MoxDocument::readFromFile(const QString& path) {
+    const FileContent content = contentOf(path);
+    if (!content.error.isEmpty())
+        return content.error;
+    const PropertyList::ReadResult parsed = PropertyList::read(content.bytes);
+    const bool isDictionary = parsed.value && parsed.value->typeId() == QMetaType::QVariantMap;
+    const AssertionScope scope(AssertionPolicy::Throw);
+    try {
+        xAssert(isDictionary, "handle readFromURL failures!");
+        loadFromPlist(*parsed.value);
+    } catch (const AssertionFailure& failure) {
+        close(); // ends the reads that the data sources have begun
+        const QString reason = isDictionary    ? textOf(failure)
+                               : parsed.value ? u"its root is not a dictionary"_qs
+                                              : parsed.error;
+        return u"it is not a document: "_qs + reason;
+    }
+    m_filePath = path;
+    return std::nullopt;
+}
+
+void MoxDocument::loadFromPlist(const QVariant& root) {
+    const DocumentValues values = DocumentFile::fromPlist(root);
+    m_dataSourcesManager->loadFromPlist(values.datasources);
+    for (const XDataSource& source : m_dataSourcesManager->dataSources())
+        startObservingPlugin(source);
+    XCurves loaded;
+    for (const QVariant& saved : values.curves) {
+        loaded.append(XCurve::make());
+        loaded.last()->loadFromPlist(saved);
+    }
+    setCurves(loaded);
+    for (std::size_t i = 0; i < values.datasourcesMap.size(); ++i) {
+        const auto source = static_cast<std::size_t>(values.datasourcesMap[i]);
+        loaded[static_cast<qsizetype>(i)]->setDataSource(m_dataSourcesManager->dataSourceAtIndex(source));
+    }
+    for (const XCurveHandle& curve : loaded)
+        startObservingCurve(curve);
+    applyPlotAreaOptions(values.plotAreaOptions);
+    onFitToData();
+}
+
+std::optional<QString> MoxDocument::writeToFile(const QString& path) {
+    if (const auto failed = PropertyList::writeAtomically(path, PropertyList::writeXml(plist())))
+        return failed->reason;
+    m_filePath = path;
+    m_changedWithoutUndo = false;
+    m_undoManager.setClean();
+    Q_EMIT editedChanged();
+    return std::nullopt;
+}
+
+QVariantMap MoxDocument::plist() const {
+    DocumentValues values;
+    values.datasources = m_dataSourcesManager->plist();
+    const auto& sources = m_dataSourcesManager->dataSources();
+    for (const XCurveHandle& curve : curves()) {
+        values.curves.append(curve->plist());
+        // Kept: a curve without a data source takes no place in the map, so that later curves move up when read.
+        const auto found = std::find(sources.begin(), sources.end(), curve->dataSource());
+        if (curve->dataSource() && found != sources.end())
+            values.datasourcesMap.push_back(found - sources.begin());
+    }
+    values.plotAreaOptions = plotAreaOptions();
+    return DocumentFile::toPlist(values);
+}
+
+PlotAreaOptions MoxDocument::plotAreaOptions() const {
+    return {.title = plotAreaTitle(),
+            .axisTitleX = axisTitleX(),
+            .axisTitleY = axisTitleY(),
+            .axisMaxX = axisMaxX(),
+            .axisMinX = axisMinX(),
+            .axisMaxY = axisMaxY(),
+            .axisMinY = axisMinY(),
+            .axisX_type = axisX_type() ? std::optional(axisX_type()->typeId()) : std::nullopt,
+            .axisY_type = axisY_type() ? std::optional(axisY_type()->typeId()) : std::nullopt,
+            .showOriginX = showOriginX(),
+            .showOriginY = showOriginY(),
+            .showHorizontalLines = showHorizontalLines(),
+            .showVerticalLines = showVerticalLines(),
+            .showLegend = showLegend(),
+            .legendAlignment = legendAlignment(),
+            .legendMargins = legendMargins()};
+}
+
+void MoxDocument::applyPlotAreaOptions(const PlotAreaOptions& options) {
+    setPlotAreaTitle(options.title);
+    setAxisTitleX(options.axisTitleX);
+    setAxisTitleY(options.axisTitleY);
+    setAxisMaxX(options.axisMaxX);
+    setAxisMinX(options.axisMinX);
+    setAxisMaxY(options.axisMaxY);
+    setAxisMinY(options.axisMinY);
+    const XAxisManager& kinds = XAxisManager::sharedManager();
+    setAxisX_type(kinds.axisInfoWithId(options.axisX_type.value_or(QString())));
+    setAxisY_type(kinds.axisInfoWithId(options.axisY_type.value_or(QString())));
+    const auto setIfPresent = [this](const auto& value, auto setter) {
+        if (value)
+            (this->*setter)(*value);
+    };
+    setIfPresent(options.showOriginX, &MoxDocument::setShowOriginX);
+    setIfPresent(options.showOriginY, &MoxDocument::setShowOriginY);
+    setIfPresent(options.showHorizontalLines, &MoxDocument::setShowHorizontalLines);
+    setIfPresent(options.showVerticalLines, &MoxDocument::setShowVerticalLines);
+    setIfPresent(options.showLegend, &MoxDocument::setShowLegend);
+    setIfPresent(options.legendAlignment, &MoxDocument::setLegendAlignment);
+    setIfPresent(options.legendMargins, &MoxDocument::setLegendMargins);
+}
