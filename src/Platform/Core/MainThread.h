@@ -2,6 +2,9 @@
 #pragma once
 
 #include <functional>
+#include <memory>
+
+class QSocketNotifier;
 
 /// The main thread is the one that made the `MainThreadLoop`. Work that is handed over runs in the order of
 /// its arrival, each piece once, from the event loop (nested loops included).
@@ -20,18 +23,26 @@ void perform(Work work);
 /// on behalf of a worker is rethrown on the worker.
 bool performAndWait(Work work);
 
-/// Runs the event loop until `done()` holds; it is asked again after every piece of handed-over work. Main thread
-/// only. This is how the main thread waits for queues and readers: it never blocks on a worker.
+/// Runs the event loop until `done()` holds; it is asked again after every piece of handed-over work and after
+/// every round of events. Main thread only. This is how the main thread waits for queues and readers: it never
+/// blocks on a worker. A worker that makes `done()` true must hand something over afterwards, if only `[] {}`.
 void runUntil(const std::function<bool()>& done);
+
+/// As `runUntil`, but serves handed-over work alone and no other events: for destructors. Ends early when the
+/// loop has ended. An exception of a piece is logged.
+void serveUntil(const std::function<bool()>& done);
 
 } // namespace MainThread
 
 /// Receives handed-over work on the main thread: made once by `main` (or a test) after the application object.
-/// Destroying it ends every wait of `performAndWait`.
+/// Destroying it ends every wait of `performAndWait`; work that did not run is dropped.
 class MainThreadLoop {
   public:
     MainThreadLoop();
     ~MainThreadLoop();
     MainThreadLoop(const MainThreadLoop&) = delete;
     MainThreadLoop& operator=(const MainThreadLoop&) = delete;
+
+  private:
+    std::unique_ptr<QSocketNotifier> m_notifier;
 };

@@ -4,7 +4,8 @@
 #include <QObject>
 
 #include <functional>
-#include <string_view>
+#include <memory>
+#include <vector>
 
 namespace Notifications {
 inline constexpr const char* documentDidBecomeActive = "kMoxDocument_DidBecomeActive_Notification";
@@ -43,5 +44,13 @@ class NotificationCenter {
 
     /// `object` narrows the registration to posts by that object; null takes any.
     [[nodiscard]] Registration observe(const char* name, QObject* object, Handler handler);
+    /// Main thread only: off it, an assertion fails and nobody is told.
     void post(const char* name, QObject* object);
+
+  private:
+    struct Observer;
+    void end(quint64 id);
+
+    std::vector<std::shared_ptr<Observer>> m_observers; ///< in the order of registration
+    quint64 m_lastId = 0;
 };
