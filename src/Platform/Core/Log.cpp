@@ -4,4 +4,6 @@
 // Above every level that is logged: nothing is shown unless the user switches the category on.
 Q_LOGGING_CATEGORY(velquinLog, "velquin", QtFatalMsg)
 
-void logMethod(const char* method, const QString& text) { qCInfo(velquinLog, "%s %s", method, qUtf8Printable(text)); }
+void logMethod(const char* method, const QString& text) {
+    qCInfo(velquinLog, "%s %s", method, qUtf8Printable(text));
+}

@@ -102,7 +102,9 @@ void runFirst() {
 
 } // namespace
 
-bool MainThread::isCurrent() { return mainThreadId == std::this_thread::get_id(); }
+bool MainThread::isCurrent() {
+    return mainThreadId == std::this_thread::get_id();
+}
 
 void MainThread::perform(Work work) {
     Mailbox& box = mailbox();

@@ -14,18 +14,19 @@ using Work = std::function<void()>;
 
 bool isCurrent();
 
-/// Hands `work` over and returns at once. From the main thread itself, too, it runs later, from the event loop.
-/// Work that arrives after the loop ended is dropped (destroyed on the caller's thread).
+/// Hands `work` over and returns at once. From the main thread itself, too, it runs later, from the event
+/// loop. Work that arrives after the loop ended is dropped (destroyed on the caller's thread).
 void perform(Work work);
 
 /// Hands `work` over and waits until it has run; on the main thread it runs at once. Returns whether it ran:
-/// when the program shuts down, waiting ends at once and the work is dropped. An exception that the work throws
-/// on behalf of a worker is rethrown on the worker.
+/// when the program shuts down, waiting ends at once and the work is dropped. An exception that the work
+/// throws on behalf of a worker is rethrown on the worker.
 bool performAndWait(Work work);
 
-/// Runs the event loop until `done()` holds; it is asked again after every piece of handed-over work and after
-/// every round of events. Main thread only. This is how the main thread waits for queues and readers: it never
-/// blocks on a worker. A worker that makes `done()` true must hand something over afterwards, if only `[] {}`.
+/// Runs the event loop until `done()` holds; it is asked again after every piece of handed-over work and
+/// after every round of events. Main thread only. This is how the main thread waits for queues and readers:
+/// it never blocks on a worker. A worker that makes `done()` true must hand something over afterwards, if
+/// only `[] {}`.
 void runUntil(const std::function<bool()>& done);
 
 /// As `runUntil`, but serves handed-over work alone and no other events: for destructors. Ends early when the
@@ -34,8 +35,8 @@ void serveUntil(const std::function<bool()>& done);
 
 } // namespace MainThread
 
-/// Receives handed-over work on the main thread: made once by `main` (or a test) after the application object.
-/// Destroying it ends every wait of `performAndWait`; work that did not run is dropped.
+/// Receives handed-over work on the main thread: made once by `main` (or a test) after the application
+/// object. Destroying it ends every wait of `performAndWait`; work that did not run is dropped.
 class MainThreadLoop {
   public:
     MainThreadLoop();

@@ -28,9 +28,10 @@ NotificationCenter& NotificationCenter::defaultCenter() {
     return center;
 }
 
-NotificationCenter::Registration NotificationCenter::observe(const char* name, QObject* object, Handler handler) {
-    m_observers.push_back(
-        std::make_shared<Observer>(Observer{++m_lastId, name, object, object == nullptr, std::move(handler)}));
+NotificationCenter::Registration NotificationCenter::observe(const char* name, QObject* object,
+                                                             Handler handler) {
+    m_observers.push_back(std::make_shared<Observer>(
+        Observer{++m_lastId, name, object, object == nullptr, std::move(handler)}));
     return Registration(m_lastId);
 }
 
@@ -46,18 +47,22 @@ void NotificationCenter::post(const char* name, QObject* object) {
 }
 
 void NotificationCenter::end(quint64 id) {
-    const auto found =
-        std::find_if(m_observers.begin(), m_observers.end(), [id](const auto& observer) { return observer->id == id; });
+    const auto found = std::find_if(m_observers.begin(), m_observers.end(),
+                                    [id](const auto& observer) { return observer->id == id; });
     if (found == m_observers.end())
         return;
-    const std::shared_ptr<Observer> ended = *found; // its handler may hold registrations: destroyed after the erasure
+    const std::shared_ptr<Observer> ended =
+        *found; // its handler may hold registrations: destroyed after the erasure
     ended->id = 0;
     m_observers.erase(found);
 }
 
-NotificationCenter::Registration::~Registration() { end(); }
+NotificationCenter::Registration::~Registration() {
+    end();
+}
 
-NotificationCenter::Registration::Registration(Registration&& other) noexcept : m_id(std::exchange(other.m_id, 0)) {}
+NotificationCenter::Registration::Registration(Registration&& other) noexcept
+    : m_id(std::exchange(other.m_id, 0)) {}
 
 NotificationCenter::Registration& NotificationCenter::Registration::operator=(Registration&& other) noexcept {
     if (this != &other) {

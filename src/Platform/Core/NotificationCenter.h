@@ -17,8 +17,8 @@ inline constexpr const char* dataSourceWillBeRemoved = "kDataSourceWillBeRemoved
 inline constexpr const char* tabBarWillSelectItem = "kTabBarWillSelectItem_Nofication";
 } // namespace Notifications
 
-/// The process-wide centre. Observers are called in the order of registration; one that ended is never called,
-/// not even by a post that is under way.
+/// The process-wide centre. Observers are called in the order of registration; one that ended is never
+/// called, not even by a post that is under way.
 class NotificationCenter {
   public:
     using Handler = std::function<void(QObject* object)>;

@@ -35,17 +35,20 @@ void Observable::announce(const char* key, QVariant oldValue, QVariant newValue)
 }
 
 Observation::Observation(Observable& object, std::span<const char* const> keys, Handler handler) {
-    m_connection = QObject::connect(
-        &object, &Observable::keyChanged, &object, [keys, handler = std::move(handler)](const KeyChange& change) {
-            const bool observed = std::any_of(keys.begin(), keys.end(), [&](const char* key) {
-                return std::strcmp(key, change.key) == 0;
-            });
-            if (observed)
-                handler(change);
-        });
+    m_connection = QObject::connect(&object, &Observable::keyChanged, &object,
+                                    [keys, handler = std::move(handler)](const KeyChange& change) {
+                                        const bool observed =
+                                            std::any_of(keys.begin(), keys.end(), [&](const char* key) {
+                                                return std::strcmp(key, change.key) == 0;
+                                            });
+                                        if (observed)
+                                            handler(change);
+                                    });
 }
 
-Observation::~Observation() { end(); }
+Observation::~Observation() {
+    end();
+}
 
 Observation::Observation(Observation&& other) noexcept
     : m_connection(std::exchange(other.m_connection, QMetaObject::Connection())) {}

@@ -25,8 +25,8 @@ struct KeyChange {
 /// Base class of everything that is observed by key. Main thread, unless a class says otherwise.
 ///
 /// An observed property is declared with OBSERVED and set through its setter or by `setValueForKey`. A setter
-/// with behaviour of its own is written out and calls `assign`. Absent values are `std::optional`s, so that an
-/// observer that puts an old value back restores absence.
+/// with behaviour of its own is written out and calls `assign`. Absent values are `std::optional`s, so that
+/// an observer that puts an old value back restores absence.
 class Observable : public QObject {
     Q_OBJECT
 
@@ -53,13 +53,17 @@ class Observable : public QObject {
     void announce(const char* key, QVariant oldValue, QVariant newValue);
 };
 
-/// Declares an observed property: accessor `name()`, setter `setName(value)`, its field, and the meta-object's
-/// entry by which it is set by key. The type must not contain a comma outside parentheses.
+/// Declares an observed property: accessor `name()`, setter `setName(value)`, its field, and the
+/// meta-object's entry by which it is set by key. The type must not contain a comma outside parentheses.
 #define OBSERVED(Type, name, setName, initial)                                                               \
   public:                                                                                                    \
     Q_PROPERTY(Type name READ name WRITE setName)                                                            \
-    const Type& name() const { return m_##name; }                                                            \
-    void setName(Type value) { assign(m_##name, std::move(value), #name); }                                  \
+    const Type& name() const {                                                                               \
+        return m_##name;                                                                                     \
+    }                                                                                                        \
+    void setName(Type value) {                                                                               \
+        assign(m_##name, std::move(value), #name);                                                           \
+    }                                                                                                        \
                                                                                                              \
   private:                                                                                                   \
     Type m_##name = initial;                                                                                 \

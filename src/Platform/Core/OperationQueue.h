@@ -30,21 +30,22 @@ class Operation {
     std::stop_source m_stop;
 };
 
-/// Runs operations in the order they were added. An operation stays listed until its `main` has returned, hand-over
-/// to the main thread included. Operations are released on the main thread where there is one; that hand-over also
-/// wakes `MainThread::runUntil`, which may therefore wait for `isIdle()`.
+/// Runs operations in the order they were added. An operation stays listed until its `main` has returned,
+/// hand-over to the main thread included. Operations are released on the main thread where there is one; that
+/// hand-over also wakes `MainThread::runUntil`, which may therefore wait for `isIdle()`.
 class OperationQueue {
   public:
     explicit OperationQueue(std::size_t maxConcurrentOperations);
-    /// Cancels what is listed, lets it run out and joins the threads; hand-overs that wait for the main thread are
-    /// served meanwhile. Not from inside such a hand-over of an own operation: that one would wait for itself.
+    /// Cancels what is listed, lets it run out and joins the threads; hand-overs that wait for the main
+    /// thread are served meanwhile. Not from inside such a hand-over of an own operation: that one would wait
+    /// for itself.
     ~OperationQueue();
     OperationQueue(const OperationQueue&) = delete;
     OperationQueue& operator=(const OperationQueue&) = delete;
 
     void add(std::shared_ptr<Operation> operation);
-    /// Adds what `decide` returns, which sees the listed operations under the queue's lock and may cancel some of
-    /// them; null adds nothing. `decide` must not call the queue.
+    /// Adds what `decide` returns, which sees the listed operations under the queue's lock and may cancel
+    /// some of them; null adds nothing. `decide` must not call the queue.
     void addUnderLock(
         const std::function<std::shared_ptr<Operation>(std::span<const std::shared_ptr<Operation>>)>& decide);
     /// Cancels the listed operations, running or not, for which `predicate`, asked under the lock, holds.
@@ -61,8 +62,8 @@ class OperationQueue {
 
     const std::size_t m_maxThreads;
     mutable std::mutex m_mutex;
-    std::condition_variable m_changed; ///< there is something to run, or the queue ends
-    Operations m_listed;               ///< all, in the order they were added
+    std::condition_variable m_changed;                ///< there is something to run, or the queue ends
+    Operations m_listed;                              ///< all, in the order they were added
     std::deque<std::shared_ptr<Operation>> m_waiting; ///< those that have not started
     std::vector<std::thread> m_threads;               ///< started on demand, at most m_maxThreads
     std::size_t m_busyThreads = 0;

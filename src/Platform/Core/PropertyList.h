@@ -7,8 +7,9 @@
 
 #include <optional>
 
-/// Values are QVariantMap (keys sorted), QVariantList, QString, bool, qint64 (or quint64), double, float (written
-/// with its own shortest digits), QByteArray and QDateTime. Doubles survive bit for bit, -0.0 included.
+/// Values are QVariantMap (keys sorted), QVariantList, QString, bool, qint64 (or quint64), double, float
+/// (written with its own shortest digits), QByteArray and QDateTime. Doubles survive bit for bit, -0.0
+/// included.
 namespace PropertyList {
 
 struct ReadResult {
@@ -16,7 +17,8 @@ struct ReadResult {
     QString error;                 ///< why, without the file's name, e.g. "nested too deeply"
 };
 
-/// Reads XML or binary. Bounds: depth 512; entities are refused. Never throws, never crashes on hostile input.
+/// Reads XML or binary. Bounds: depth 512; entities are refused. Never throws, never crashes on hostile
+/// input.
 ReadResult read(const QByteArray& bytes);
 
 /// The XML form, with a trailing newline. Control characters that XML cannot carry become U+FFFD.
@@ -28,8 +30,8 @@ bool looksLikePropertyList(const QByteArray& firstBytes);
 struct FileError {
     QString reason; ///< the system's words, e.g. "No space left on device"
 };
-/// Writes through a temporary file beside `path` and a rename: the old file or the new one, never a part. Follows
-/// links, keeps the mode, syncs file and folder, leaves no stray file.
+/// Writes through a temporary file beside `path` and a rename: the old file or the new one, never a part.
+/// Follows links, keeps the mode, syncs file and folder, leaves no stray file.
 std::optional<FileError> writeAtomically(const QString& path, const QByteArray& bytes);
 
 } // namespace PropertyList

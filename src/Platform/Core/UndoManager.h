@@ -7,9 +7,10 @@
 #include <functional>
 #include <vector>
 
-/// What registers while a change happens lands on the undo stack; what registers while undoing lands on the redo
-/// stack, and the other way round. All registrations of one event-loop turn form one group, unless a group is
-/// opened by hand (an editing session, a slider drag, a removal). Closures keep their objects alive. Main thread.
+/// What registers while a change happens lands on the undo stack; what registers while undoing lands on the
+/// redo stack, and the other way round. All registrations of one event-loop turn form one group, unless a
+/// group is opened by hand (an editing session, a slider drag, a removal). Closures keep their objects alive.
+/// Main thread.
 class UndoManager : public QObject {
     Q_OBJECT
 
@@ -39,8 +40,8 @@ class UndoManager : public QObject {
     std::size_t levelsOfUndo() const;
     void removeAllActions();
 
-    /// The clean mark: where the stack stood when the document was last saved. `isClean` is false for good once the
-    /// mark was dropped with an old group or a cut-off redo branch.
+    /// The clean mark: where the stack stood when the document was last saved. `isClean` is false for good
+    /// once the mark was dropped with an old group or a cut-off redo branch.
     void setClean();
     bool isClean() const;
 

@@ -24,15 +24,25 @@ void UserDefaults::useMemoryStore() {
     m_readOnly = false;
 }
 
-void UserDefaults::setReadOnly(bool readOnly) { m_readOnly = readOnly; }
+void UserDefaults::setReadOnly(bool readOnly) {
+    m_readOnly = readOnly;
+}
 
-QVariant UserDefaults::value(const QString& key) const { return m_memory ? m_memory->value(key) : file().value(key); }
+QVariant UserDefaults::value(const QString& key) const {
+    return m_memory ? m_memory->value(key) : file().value(key);
+}
 
-int UserDefaults::integer(const QString& key) const { return value(key).toInt(); }
+int UserDefaults::integer(const QString& key) const {
+    return value(key).toInt();
+}
 
-QString UserDefaults::string(const QString& key) const { return value(key).toString(); }
+QString UserDefaults::string(const QString& key) const {
+    return value(key).toString();
+}
 
-QStringList UserDefaults::stringList(const QString& key) const { return value(key).toStringList(); }
+QStringList UserDefaults::stringList(const QString& key) const {
+    return value(key).toStringList();
+}
 
 bool UserDefaults::contains(const QString& key) const {
     return m_memory ? m_memory->contains(key) : file().contains(key);
