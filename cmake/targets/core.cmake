@@ -2,6 +2,28 @@
 velquin_library(core
   HEADERS
     Core/Assertions.h
+    Core/ClampToInt.h
+    Core/ColorName.h
+    Core/NewCurveColor.h
+    Core/NumberText.h
+    Core/PixelMath.h
+    Core/PolylineCompressor.h
+    Core/ShortDecimal.h
+    Core/StrokeRasterizer.h
+    Core/RgbaColor.h
+    Core/TickCompressor.h
+    Core/TextToDouble.h
+    EmbeddedPlugins/Common/XPTableData.h
+    EmbeddedPlugins/Common/XValueRange.h
   SOURCES
     Core/Assertions.cpp
+    Core/ColorName.cpp
+    Core/NewCurveColor.cpp
+    Core/NumberText.cpp
+    Core/PolylineCompressor.cpp
+    Core/StrokeRasterizer.cpp
+    Core/RgbaColor.cpp
+    Core/TickCompressor.cpp
+    Core/TextToDouble.cpp
+    EmbeddedPlugins/Common/XPTableData.cpp
   USES Threads::Threads)

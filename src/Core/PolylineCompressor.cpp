@@ -1,0 +1,155 @@
+// The grouping of points by pixel: one loop, with everything that is rare moved out of it.
+#include "Core/PolylineCompressor.h"
+
+#include "Core/PixelMath.h"
+
+#include <cmath>
+#include <utility>
+
+namespace {
+
+enum Slot : std::size_t { First, LeastX, GreatestX, LeastY, GreatestY, Last };
+
+constexpr unsigned allEdges = 255;
+constexpr unsigned columnChanged = 1;
+constexpr unsigned rowChanged = 2;
+constexpr unsigned bothChanged = columnChanged | rowChanged;
+constexpr PlotPoint noPoint{-1, std::numeric_limits<float>::quiet_NaN(),
+                            std::numeric_limits<float>::quiet_NaN()};
+
+/// Puts the four extremes in the order of the data.
+void sortByIndex(std::array<PlotPoint, 6>& group) {
+    constexpr std::array<std::pair<Slot, Slot>, 5> network{{{LeastX, LeastY},
+                                                            {GreatestX, GreatestY},
+                                                            {LeastX, GreatestX},
+                                                            {LeastY, GreatestY},
+                                                            {GreatestX, LeastY}}};
+    for (const auto& [a, b] : network) {
+        if (group[a].index > group[b].index)
+            std::swap(group[a], group[b]);
+    }
+}
+
+} // namespace
+
+PolylineCompressor::PolylineCompressor(DataCallback fetch, DrawCallback draw)
+    : m_fetch(std::move(fetch)), m_draw(std::move(draw)) {}
+
+void PolylineCompressor::setExtent(std::uint64_t width, std::uint64_t height) {
+    m_width = static_cast<float>(width);
+    m_height = static_cast<float>(height);
+}
+
+void PolylineCompressor::run() {
+    m_group.fill(noPoint);
+    m_pending = noPoint;
+    m_previousInvalid = m_segmentInvisible = false;
+    m_previousOutcode = allEdges;
+
+    const float* x = nullptr;
+    const float* y = nullptr;
+    std::uint32_t base = 0;
+    std::size_t count = m_fetch(x, y);
+    while (count > 0) {
+        for (std::size_t i = 0; i + 1 < count; ++i) {
+            if (step(x[i], y[i], static_cast<std::int32_t>(base + static_cast<std::uint32_t>(i)), false))
+                return;
+        }
+        // Only the fetch that follows the last point of a chunk tells whether it is the last of all; it may
+        // overwrite the chunk.
+        const float lastX = x[count - 1];
+        const float lastY = y[count - 1];
+        base += static_cast<std::uint32_t>(count);
+        count = m_fetch(x, y);
+        if (step(lastX, lastY, static_cast<std::int32_t>(base - 1), count == 0))
+            return;
+    }
+    finish();
+}
+
+/// Returns true when the run is to end.
+inline bool PolylineCompressor::step(float x, float y, std::int32_t index, bool isLast) {
+    if (!isFinite(x) || !isFinite(y)) {
+        m_previousInvalid = true;
+        return false;
+    }
+    const unsigned outcode =
+        (x < 0 ? 1U : 0U) | (x > m_width ? 2U : 0U) | (y < 0 ? 16U : 0U) | (y > m_height ? 32U : 0U);
+    m_segmentInvisible = (m_previousOutcode & outcode) != 0;
+    if (m_segmentInvisible)
+        m_changeFlags = bothChanged;
+    m_previousOutcode = outcode;
+
+    const PlotPoint point{index, x, y};
+    const int pixelX = truncatedPixel(x);
+    const int pixelY = truncatedPixel(y);
+    if (m_firstPoint) {
+        m_group.fill(point);
+        m_firstPoint = false;
+    } else {
+        unsigned change =
+            (pixelX != m_lastPixelX ? columnChanged : 0) | (pixelY != m_lastPixelY ? rowChanged : 0);
+        if (m_previousInvalid && change != 0)
+            change = bothChanged;
+        m_changeFlags |= change;
+        if (isLast || m_changeFlags == bothChanged) {
+            if (flushGroup())
+                return true;
+            m_group.fill(point);
+            m_groupNeedsMoveTo = m_segmentInvisible || m_previousInvalid;
+            m_changeFlags = 0;
+        } else {
+            // Strict, so that of equal points the earlier one stays.
+            if (x < m_group[LeastX].x)
+                m_group[LeastX] = point;
+            if (x > m_group[GreatestX].x)
+                m_group[GreatestX] = point;
+            if (y < m_group[LeastY].y)
+                m_group[LeastY] = point;
+            if (y > m_group[GreatestY].y)
+                m_group[GreatestY] = point;
+        }
+    }
+    m_group[Last] = point;
+    m_lastPixelX = pixelX;
+    m_lastPixelY = pixelY;
+    m_previousInvalid = false;
+    return false;
+}
+
+std::span<const PlotPoint> PolylineCompressor::buildOutputList() {
+    sortByIndex(m_group);
+    std::size_t kept = 1;
+    for (std::size_t i = 1; i < m_group.size(); ++i) {
+        if (m_group[i].index != m_group[kept - 1].index)
+            m_group[kept++] = m_group[i];
+    }
+    return std::span(m_group).first(kept);
+}
+
+bool PolylineCompressor::flushGroup() {
+    const std::span<const PlotPoint> list = buildOutputList();
+    if (!m_groupNeedsMoveTo) {
+        if (m_pending.index != -1)
+            m_draw({&m_pending, 1}, true); // a stop is noticed at the list that follows
+        m_pending = noPoint;
+        return m_draw(list, false);
+    }
+    if (list.size() == 1) {
+        m_pending = list[0];
+        return false;
+    }
+    m_pending = noPoint;
+    return m_draw(list, true);
+}
+
+void PolylineCompressor::finish() {
+    const std::span<const PlotPoint> list = buildOutputList();
+    if (!m_groupNeedsMoveTo) {
+        if (m_pending.index != -1)
+            m_draw({&m_pending, 1}, true);
+        m_draw(list, false);
+    } else if (list.size() > 1) {
+        m_draw(list, true);
+    }
+}

@@ -1,0 +1,235 @@
+// Sums of areas below edges, column by column, and the sweep that turns them into pixels.
+#include "Core/StrokeRasterizer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace {
+
+constexpr int noRow = std::numeric_limits<int>::max();
+
+/// `below` times (1 - a), a being the alpha of what covers it, 0 to 255; each component rounded.
+std::uint32_t attenuated(std::uint32_t below, std::uint32_t alpha) {
+    const std::uint32_t rest = 255 - alpha;
+    const auto twoComponents = [rest](std::uint32_t value) {
+        const std::uint32_t scaled = (value & 0x00ff00ffU) * rest + 0x00800080U;
+        return ((scaled + ((scaled >> 8U) & 0x00ff00ffU)) >> 8U) & 0x00ff00ffU; // divides by 255
+    };
+    return twoComponents(below) | (twoComponents(below >> 8U) << 8U);
+}
+
+/// Within 0 to 1; NaN is 0.
+double unit(double value) {
+    return value > 0 ? std::min(value, 1.0) : 0.0;
+}
+
+} // namespace
+
+CoverageRamp coverageRamp(double red, double green, double blue, double alpha) {
+    CoverageRamp ramp{};
+    const auto component = [](double value) { return static_cast<std::uint32_t>(value * 255 + 0.5); };
+    for (std::size_t coverage = 0; coverage < ramp.size(); ++coverage) {
+        const double covered = unit(alpha) * static_cast<double>(coverage) / 255;
+        ramp[coverage] = component(covered) << 24U | component(unit(red) * covered) << 16U |
+                         component(unit(green) * covered) << 8U | component(unit(blue) * covered);
+    }
+    return ramp;
+}
+
+StrokeRasterizer::StrokeRasterizer(int width, int height, double lineWidth)
+    : m_width(width), m_height(height), m_halfWidth(lineWidth / 2),
+      m_columnStride((static_cast<std::size_t>(height) + 3) |
+                     1U), // odd: columns do not compete for cache lines
+      m_columns(static_cast<std::size_t>(width) * m_columnStride),
+      m_rows(static_cast<std::size_t>(width), Rows{noRow, 0}), m_firstColumn(width) {}
+
+void StrokeRasterizer::moveTo(double x, double y) {
+    m_last = {x, y};
+    m_lastNormal = {0, 0};
+}
+
+void StrokeRasterizer::lineTo(double x, double y) {
+    const Point to{x, y};
+    const double dx = x - m_last.x;
+    const double dy = y - m_last.y;
+    const double length = std::sqrt(dx * dx + dy * dy);
+    if (!(length > 0))
+        return;
+    const double scale = m_halfWidth / length;
+    const Point normal{-dy * scale, dx * scale};
+    if (isNear(m_last))
+        addBevel(m_last, m_lastNormal, normal);
+    addSegment(m_last, to, normal);
+    m_last = to;
+    m_lastNormal = normal;
+}
+
+bool StrokeRasterizer::isNear(Point point) const {
+    return point.x >= -m_halfWidth && point.x <= m_width + m_halfWidth && point.y >= -m_halfWidth &&
+           point.y <= m_height + m_halfWidth;
+}
+
+/// A rectangle around what of the centre line lies so near that it can touch the picture. The ends that
+/// clipping makes lie outside, like all that they leave out.
+void StrokeRasterizer::addSegment(Point from, Point to, Point normal) {
+    const double margin = m_halfWidth + 1;
+    double begin = 0;
+    double end = 1;
+    const auto clip = [&](double start, double delta, double extent) {
+        if (delta == 0)
+            return start >= -margin && start <= extent + margin;
+        const double atLow = (-margin - start) / delta;
+        const double atHigh = (extent + margin - start) / delta;
+        begin = std::max(begin, std::min(atLow, atHigh));
+        end = std::min(end, std::max(atLow, atHigh));
+        return begin < end;
+    };
+    const Point delta{to.x - from.x, to.y - from.y};
+    if (!clip(from.x, delta.x, m_width) || !clip(from.y, delta.y, m_height))
+        return;
+    if (end < 1)
+        to = {from.x + end * delta.x, from.y + end * delta.y};
+    if (begin > 0)
+        from = {from.x + begin * delta.x, from.y + begin * delta.y};
+
+    const std::array<Point, 4> corners{{{from.x - normal.x, from.y - normal.y},
+                                        {to.x - normal.x, to.y - normal.y},
+                                        {to.x + normal.x, to.y + normal.y},
+                                        {from.x + normal.x, from.y + normal.y}}};
+    for (std::size_t i = 0; i < corners.size(); ++i)
+        addEdge(corners[i], corners[(i + 1) % corners.size()]);
+}
+
+/// The triangle that fills the outer side of a bend.
+void StrokeRasterizer::addBevel(Point at, Point normalBefore, Point normalAfter) {
+    const double twiceArea = normalBefore.x * normalAfter.y - normalBefore.y * normalAfter.x;
+    if (std::abs(twiceArea) < 1e-4)
+        return; // far below what one step of a colour shows
+    const double side = twiceArea > 0 ? -1 : 1;
+    Point first{at.x + side * normalBefore.x, at.y + side * normalBefore.y};
+    Point second{at.x + side * normalAfter.x, at.y + side * normalAfter.y};
+    if (side > 0)
+        std::swap(first, second);
+    addEdge(at, first);
+    addEdge(first, second);
+    addEdge(second, at);
+}
+
+/// Adds, in every column, the area above the edge when it runs to the right, and takes it away when it runs
+/// to the left. Around a counter-clockwise outline that leaves its inside.
+void StrokeRasterizer::addEdge(Point from, Point to) {
+    if (from.x == to.x)
+        return;
+    const double sign = from.x < to.x ? 1 : -1;
+    Point left = from.x < to.x ? from : to;
+    Point right = from.x < to.x ? to : from;
+    if (right.x <= 0 || left.x >= m_width)
+        return;
+    const double slope = (right.y - left.y) / (right.x - left.x);
+    const auto at = [origin = left, slope](double x) { return Point{x, origin.y + slope * (x - origin.x)}; };
+    if (left.x < 0)
+        left = at(0);
+    if (right.x > m_width)
+        right = at(m_width);
+    const auto [low, high] = std::minmax({left.y, right.y});
+    if (low >= 0 && high <= m_height) {
+        addWithinPicture(left, right, sign);
+        return;
+    }
+    // The parts below and above the picture act like edges along its border.
+    const auto clamped = [this](Point p) { return Point{p.x, std::clamp<double>(p.y, 0, m_height)}; };
+    const auto crossing = [&](double y) {
+        const double x = left.x + (y - left.y) / slope;
+        return low < y && y < high ? std::clamp(x, left.x, right.x) : left.x;
+    };
+    const auto [first, second] = std::minmax({crossing(0), crossing(m_height)});
+    const std::array<Point, 4> parts{{left, at(first), at(second), right}};
+    for (std::size_t i = 0; i + 1 < parts.size(); ++i) {
+        if (parts[i].x < parts[i + 1].x)
+            addWithinPicture(clamped(parts[i]), clamped(parts[i + 1]), sign);
+    }
+}
+
+void StrokeRasterizer::addWithinPicture(Point left, Point right, double sign) {
+    const int first = static_cast<int>(left.x);
+    const int last = std::min(static_cast<int>(right.x), m_width - 1);
+    m_firstColumn = std::min(m_firstColumn, first);
+    m_endColumn = std::max(m_endColumn, last + 1);
+    if (first == last) {
+        addToColumn(first, left.y, right.y, sign * (right.x - left.x));
+        return;
+    }
+    const double slope = (right.y - left.y) / (right.x - left.x);
+    const auto [low, high] = std::minmax({left.y, right.y});
+    double y = std::clamp(left.y + slope * (first + 1 - left.x), low, high);
+    addToColumn(first, left.y, y, sign * (first + 1 - left.x));
+    for (int column = first + 1; column < last; ++column) {
+        const double next = std::clamp(left.y + slope * (column + 1 - left.x), low, high);
+        addToColumn(column, y, next, sign);
+        y = next;
+    }
+    addToColumn(last, y, right.y, sign * (right.x - last));
+}
+
+inline void StrokeRasterizer::addToColumn(int column, double y0, double y1, double signedWidth) {
+    const auto [low, high] = std::minmax({y0, y1});
+    const int lowRow = static_cast<int>(low);
+    const int highRow = static_cast<int>(high);
+    double* const rows = m_columns.data() + static_cast<std::size_t>(column) * m_columnStride;
+    Rows& touched = m_rows[static_cast<std::size_t>(column)];
+    touched.first = std::min(touched.first, lowRow);
+    touched.end = std::max(touched.end, highRow + 3);
+
+    const double rise = high - low;
+    if (lowRow == highRow || rise < 1e-4) {
+        // Within one row the ramp's place counts, not its shape.
+        const double middle = (low + high) / 2;
+        const int row = static_cast<int>(middle);
+        const double above = middle - row;
+        rows[row] += signedWidth * (1 - above);
+        rows[row + 1] += signedWidth * (2 * above - 1);
+        rows[row + 2] -= signedWidth * above;
+        return;
+    }
+    const double slope = signedWidth / rise;
+    const auto addRamp = [rows](int row, double y, double change) {
+        const double f = y - row;
+        rows[row] += change * (0.5 * (1 - f) * (1 - f));
+        rows[row + 1] += change * (0.5 + f - f * f);
+        rows[row + 2] += change * (0.5 * f * f);
+    };
+    addRamp(lowRow, low, slope);
+    addRamp(highRow, high, -slope);
+}
+
+void StrokeRasterizer::paint(PixelGrid image, const CoverageRamp& colors) {
+    for (int column = m_firstColumn; column < m_endColumn; ++column) {
+        if (m_rows[static_cast<std::size_t>(column)].end > 0)
+            paintColumn(column, image, colors);
+    }
+    m_firstColumn = m_width;
+    m_endColumn = 0;
+    m_lastNormal = {0, 0};
+}
+
+void StrokeRasterizer::paintColumn(int column, PixelGrid image, const CoverageRamp& colors) {
+    Rows& touched = m_rows[static_cast<std::size_t>(column)];
+    double* const rows = m_columns.data() + static_cast<std::size_t>(column) * m_columnStride;
+    const int end = std::min(touched.end, m_height);
+    double slope = 0;
+    double coverage = 0;
+    std::uint32_t* pixel = image.pixels + (m_height - 1 - touched.first) * image.stride + column;
+    for (int row = touched.first; row < end; ++row, pixel -= image.stride) {
+        slope += rows[row];
+        coverage += slope;
+        const auto level = static_cast<std::size_t>(std::clamp(coverage * 255 + 0.5, 0.0, 255.0));
+        if (level == 0)
+            continue;
+        const std::uint32_t color = colors[level];
+        *pixel = *pixel == 0 ? color : color + attenuated(*pixel, color >> 24U);
+    }
+    std::fill(rows + touched.first, rows + touched.end, 0.0);
+    touched = {noRow, 0};
+}
