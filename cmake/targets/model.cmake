@@ -3,8 +3,12 @@ set(model_headers
   Classes/DataSourcesManager/XDataSourceProtocol.h
   Classes/PlotModel/XCurve.h
   Classes/PlotView/XGraphPointDescription.h
+  Classes/ValueEncodings/ColorEncoding.h
+  Classes/ValueEncodings/XVelquin.h
 )
 set(model_sources
+  Classes/ValueEncodings/ColorEncoding.cpp
+  Classes/ValueEncodings/XVelquin.cpp
 )
 if(TARGET velquin_reading AND TARGET velquin_axes AND model_sources)
   velquin_library(model

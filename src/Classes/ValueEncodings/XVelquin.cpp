@@ -1,0 +1,43 @@
+// Maps the choice of the user to a folder of the desktop.
+#include "Classes/ValueEncodings/XVelquin.h"
+
+#include "Platform/Core/Log.h"
+#include "Platform/Core/UserDefaults.h"
+
+#include <QStandardPaths>
+
+#include <filesystem>
+#include <system_error>
+
+namespace {
+
+std::optional<QString> picturesFolder() {
+    const QString path =
+        QStandardPaths::writableLocation(QStandardPaths::PicturesLocation) + QStringLiteral("/Velquin");
+    std::error_code error;
+    std::filesystem::create_directories(path.toStdString(), error);
+    if (!error)
+        return path;
+    logMethod("+[XVelquin snapshotsDirectory]", QStringLiteral("Failed to create directory %1: %2")
+                                                    .arg(path, QString::fromStdString(error.message())));
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<QString> XVelquin::snapshotsDirectory() {
+    const UserDefaults& defaults = UserDefaults::standard();
+    switch (defaults.integer(QStringLiteral("SnapshotsDirType"))) {
+    case 1:
+        return QStandardPaths::writableLocation(QStandardPaths::DesktopLocation);
+    case 2:
+    case 4:
+        return picturesFolder();
+    case 3:
+        return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    default:
+        if (!defaults.contains(QStringLiteral("SnapshotsDir")))
+            return std::nullopt;
+        return defaults.string(QStringLiteral("SnapshotsDir"));
+    }
+}
