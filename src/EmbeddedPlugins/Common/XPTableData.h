@@ -4,6 +4,8 @@
 #include "EmbeddedPlugins/Common/XValueRange.h"
 
 #include <cstdint>
+#include <cstdlib>
+#include <limits>
 #include <memory>
 #include <span>
 #include <stdexcept>
@@ -17,9 +19,16 @@ struct TableTooLarge : std::runtime_error {
 };
 
 /// Filled by one producer thread, then only read, by any thread, through `shared_ptr<const XPTableData>`.
-/// Slots that were never written hold a quiet NaN. Columns are counted from 0.
+/// Slots up to `rowsNumber` that were never written hold a quiet NaN. Columns are counted from 0.
+///
+/// Capacity doubles up to a million rows and then grows by a million at a time. Capacity that no row has
+/// reached is address space only: it is touched (filled with NaN) a block at a time, just before rows are
+/// written there.
 class XPTableData {
   public:
+    /// The least value that counts as positive: the smallest normal double.
+    static constexpr double smallestPositive = std::numeric_limits<double>::min();
+
     XPTableData() = default;
     ~XPTableData();
     XPTableData(const XPTableData&) = delete;
@@ -39,19 +48,22 @@ class XPTableData {
     /// Capacity of every column, in values.
     std::uint64_t rowsAllocated() const;
 
-    /// The live storage of a column, `rowsNumber` values (none allocated: fewer), or null when `index` is not below
-    /// `columnsNumber`. Valid until the next write that grows the table.
+    /// The live storage of a column, `rowsNumber` values (none allocated: fewer), or null when `index` is not
+    /// below `columnsNumber`. Valid until the next write that grows the table.
     const double* getColumnDataOfIndex(std::uint64_t index) const;
     /// The same with its length: empty for a bad index, and never longer than the storage.
     std::span<const double> column(std::uint64_t index) const;
 
     /// Least and greatest finite value of a column within `validRange`; a bound that is not finite is open.
-    /// `number` is 1-based; 0 or less is the row number: {0, rowsNumber - 1}. {NaN, NaN} when nothing is found.
-    /// Constant time for all values and for positive values once `summarizeColumns` ran; else a scan.
-    XValueRange getRangeOfColumnIndexWithValidValuesInRange(std::int32_t number, XValueRange validRange) const;
+    /// `number` is 1-based; 0 or less is the row number: {0, rowsNumber - 1}. {NaN, NaN} when nothing is
+    /// found. Constant time once `summarizeColumns` ran for all values (both bounds open) and for positive
+    /// values
+    /// (`smallestPositive` and an open maximum); else a scan.
+    XValueRange getRangeOfColumnIndexWithValidValuesInRange(std::int32_t number,
+                                                            XValueRange validRange) const;
 
-    /// Computes the ranges that fitting asks for (all values; positive values) of every column. The producer calls
-    /// it last; a later write forgets them.
+    /// Computes the ranges that fitting asks for (all values; positive values) of every column. The producer
+    /// calls it last; a later write forgets them.
     void summarizeColumns();
 
     void removeColumnsWithoutData();
@@ -59,4 +71,39 @@ class XPTableData {
 
     const std::vector<std::string>& columnNames() const; ///< UTF-8; not kept in step with the columns
     void setColumnNames(std::vector<std::string> names);
+
+  private:
+    struct FreeMemory {
+        void operator()(double* values) const { std::free(values); } // NOLINT: grown by realloc
+    };
+    using Column = std::unique_ptr<double[], FreeMemory>;
+    struct ColumnSummary {
+        XValueRange all;
+        XValueRange positive;
+    };
+
+    bool makeRoomFor(std::uint64_t col, std::uint64_t row);
+    std::uint64_t capacityFor(std::uint64_t columns, std::uint64_t rows) const;
+    bool resizeColumns(std::uint64_t columns, std::uint64_t rowCapacity);
+    void fillRowsUpTo(std::uint64_t row);
+
+    std::vector<Column> m_columns;
+    std::uint64_t m_rowsAllocated = 0;
+    std::uint64_t m_rowsFilled = 0; ///< rows that hold NaN or a value; the capacity above is untouched memory
+    std::uint64_t m_rowsWritten = 0; ///< the highest row written
+    std::uint64_t m_memoryLimit = std::numeric_limits<std::uint64_t>::max();
+    std::vector<ColumnSummary> m_summaries;
+    bool m_summariesHold = false;
+    std::vector<std::string> m_columnNames;
 };
+
+inline void XPTableData::writeValueAtColRow(double value, std::uint64_t col, std::uint64_t row) {
+    if (row >= m_rowsFilled || col >= m_columns.size()) [[unlikely]] {
+        if (!makeRoomFor(col, row))
+            return;
+    }
+    m_columns[col][row] = value;
+    if (row > m_rowsWritten)
+        m_rowsWritten = row;
+    m_summariesHold = false;
+}
