@@ -1,12 +1,19 @@
 # model: curves, data sources, documents' values. The lists are the model's whole contents.
 set(model_headers
   Classes/DataSourcesManager/XDataSourceProtocol.h
+  Classes/PlotModel/CurveKeys.h
+  Classes/PlotModel/DocumentFile.h
+  Classes/PlotModel/PlistValues.h
   Classes/PlotModel/XCurve.h
   Classes/PlotView/XGraphPointDescription.h
   Classes/ValueEncodings/ColorEncoding.h
   Classes/ValueEncodings/XVelquin.h
 )
 set(model_sources
+  Classes/PlotModel/DocumentFile.cpp
+  Classes/PlotModel/PlistValues.cpp
+  Classes/PlotModel/XCurve.cpp
+  Classes/PlotModel/XCurvePlist.cpp
   Classes/ValueEncodings/ColorEncoding.cpp
   Classes/ValueEncodings/XVelquin.cpp
 )

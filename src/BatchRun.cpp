@@ -1,0 +1,101 @@
+// Document in, outputs out: the batch mode.
+#include "BatchRun.h"
+
+#include "Classes/GraphViewController/DocumentPicture.h"
+#include "CsvExport.h"
+#include "DocumentRequest.h"
+#include "MoxDocument.h"
+#include "OutputFile.h"
+#include "Platform/Core/MainThread.h"
+#include "Platform/Core/PropertyList.h"
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Failure = std::optional<RequestFailure>;
+
+Failure failureOf(const QString& file, const std::optional<QString>& reason) {
+    return reason ? Failure(RequestFailure{file, *reason}) : std::nullopt;
+}
+
+Failure writeTable(const MoxDocument& document, const QString& file, const QString& output) {
+    const auto& sources = document.dataSourcesManager().dataSources();
+    if (sources.empty())
+        return RequestFailure{file, u"the document has no data source"_qs};
+    const XTable table = sources.front()->data();
+    if (!table)
+        return RequestFailure{file, u"the first data source has no data"_qs};
+    return failureOf(output, writeOutput(output, [&](QIODevice& device) {
+        return CsvExport::writeTable(device, sources.front()->columnNames(), *table);
+    }));
+}
+
+Failure writeValues(const MoxDocument& document, const QString& output) {
+    QList<CurveSnapshot> curves;
+    for (const XCurveHandle& curve : document.curves())
+        curves.append(curve->snapshot());
+    return failureOf(output, writeOutput(output, [&](QIODevice& device) {
+        return CsvExport::writeValues(device, curves);
+    }));
+}
+
+Failure writeSnapshot(MoxDocument& document, const CommandLine& line, const QString& output) {
+    const PictureSize size{line.width, line.height, line.scale};
+    return failureOf(output, writeOutput(output, [&](QIODevice& device) {
+        return writeDocumentPicture(device, pictureFormatOfPath(output), document, size);
+    }));
+}
+
+Failure writeDocument(MoxDocument& document, const QString& output) {
+    if (output != u"-"_qs)
+        return failureOf(output, document.writeToFile(output));
+    return failureOf(output, writeOutput(output, [&](QIODevice& device) {
+        const QByteArray bytes = PropertyList::writeXml(document.plist());
+        return device.write(bytes) == bytes.size();
+    }));
+}
+
+Failure writeOutputs(MoxDocument& document, const QString& file, const CommandLine& line) {
+    Failure failure;
+    for (qsizetype i = 0; i < line.tables.size() && !failure; ++i)
+        failure = writeTable(document, file, line.tables[i]);
+    for (qsizetype i = 0; i < line.values.size() && !failure; ++i)
+        failure = writeValues(document, line.values[i]);
+    for (qsizetype i = 0; i < line.snapshots.size() && !failure; ++i)
+        failure = writeSnapshot(document, line, line.snapshots[i]);
+    for (qsizetype i = 0; i < line.saves.size() && !failure; ++i)
+        failure = writeDocument(document, line.saves[i]);
+    return failure;
+}
+
+Failure run(const CommandLine& line) {
+    const QString file = line.files.first();
+    auto opened = openRequested(file, line);
+    if (auto* failure = std::get_if<RequestFailure>(&opened))
+        return *failure;
+    MoxDocument& document = *std::get<std::unique_ptr<MoxDocument>>(opened);
+    MainThread::runUntil([&] { return !document.isReading(); });
+    if (Failure failure = firstReadFailure(document))
+        return failure;
+    if (Failure failure = applyRequest(document, file, line))
+        return failure;
+    return writeOutputs(document, file, line);
+}
+
+} // namespace
+
+void reportFailure(const QString& file, const QString& reason) {
+    const QByteArray text = (file.isEmpty() ? reason : file + u": "_qs + reason).toLocal8Bit();
+    std::fprintf(stderr, "velquin: %s\n", text.constData());
+}
+
+int runBatch(const CommandLine& line) {
+    const Failure failure = run(line);
+    if (!failure)
+        return 0;
+    reportFailure(failure->file, failure->reason);
+    return failure->wrongUsage ? 2 : 1;
+}

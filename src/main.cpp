@@ -1,0 +1,83 @@
+// The program's start: command line, application object, then a batch run or windows.
+#include "BatchRun.h"
+#include "Classes/PlotView/PlotStyles.h"
+#include "Classes/PluginsManager/XPluginsManager.h"
+#include "CommandLine.h"
+#include "Core/Assertions.h"
+#include "EmbeddedPlugins/TextFile/XPTextFileFactory.h"
+#include "Platform/Core/Log.h"
+#include "Platform/Core/MainThread.h"
+#include "Platform/Core/UserDefaults.h"
+#include "WindowRun.h"
+
+#include <QApplication>
+#include <QGuiApplication>
+
+#include <cstdio>
+
+namespace {
+
+constexpr int exitFailed = 1;
+constexpr int exitWrongUsage = 2;
+
+QStringList argumentsOf(int argc, char** argv) {
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments += QFile::decodeName(argv[i]);
+    return arguments;
+}
+
+void print(const QString& text) { std::fputs(text.toLocal8Bit().constData(), stdout); }
+
+/// What every run needs once there is an application object.
+void setUpProgram() {
+    setAssertionReporter([](const AssertionFailure& failure) {
+        qCWarning(velquinLog, "assertion: %s (%s:%d)", failure.what(), failure.sourcePath.c_str(), failure.line);
+    });
+    PlotStyles::installFontSubstitutions();
+    XPluginsManager::setFactories({std::make_shared<XPTextFileFactory>()});
+}
+
+int runWithoutWindow(int argc, char** argv, const CommandLine& line) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication application(argc, argv);
+    const MainThreadLoop mainThreadLoop;
+    setUpProgram();
+    UserDefaults::standard().setReadOnly(true);
+    return runBatch(line);
+}
+
+int runWithWindows(int argc, char** argv, const CommandLine& line) {
+    const Application application(argc, argv);
+    const MainThreadLoop mainThreadLoop;
+    setUpProgram();
+    const AssertionScope editsGoOn(AssertionPolicy::ReportOnly);
+    return runWindows(line);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication::setApplicationName(QStringLiteral("velquin"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(VELQUIN_VERSION));
+    const auto parsed = parseCommandLine(argumentsOf(argc, argv));
+    if (const auto* wrong = std::get_if<UsageError>(&parsed)) {
+        reportFailure({}, wrong->reason + QStringLiteral(" (see velquin --help)"));
+        return exitWrongUsage;
+    }
+    const CommandLine& line = std::get<CommandLine>(parsed);
+    if (line.help) {
+        print(commandLineHelp());
+        return 0;
+    }
+    if (line.version) {
+        print(QStringLiteral("velquin " VELQUIN_VERSION "\n"));
+        return 0;
+    }
+    try {
+        return line.hasOutputs() ? runWithoutWindow(argc, argv, line) : runWithWindows(argc, argv, line);
+    } catch (const std::exception& error) {
+        reportFailure(line.files.join(u' '), QString::fromUtf8(error.what()));
+        return exitFailed;
+    }
+}
