@@ -1,1 +1,17 @@
 # axes: values to pixels, ticks and texts. Labels are plain values.
+velquin_library(axes
+  HEADERS
+    Classes/Axes/LinearTicks.h
+    Classes/Axes/XAxis.h
+    Classes/Axes/XAxisInfo.h
+    Classes/Axes/XAxisManager.h
+    Classes/Axes/XAxisTick.h
+    Classes/Axes/XEmptyAxis.h
+  SOURCES
+    Classes/Axes/LinearTicks.cpp
+    Classes/Axes/XAxis.cpp
+    Classes/Axes/XAxisInfo.cpp
+    Classes/Axes/XAxisManager.cpp
+    Classes/Axes/XAxisTick.cpp
+    Classes/Axes/XEmptyAxis.cpp
+  USES velquin_platform)

@@ -17,11 +17,11 @@ struct AttributedLabel {
 
 /// A labelled (major) or unlabelled (minor) mark.
 struct XAxisTick {
-    double value = 0;               ///< in the axis's units
-    std::optional<QString> title;   ///< absent for an unlabelled mark
+    double value = 0;                               ///< in the axis's units
+    std::optional<QString> title;                   ///< absent for an unlabelled mark
     std::optional<AttributedLabel> attributedTitle; ///< instead of the title where a label has two styles
-    int level = 0;                  ///< 0 major, 1 minor
-    double tickTitleOffset = 0;     ///< value units by which the label stands beside the mark
+    int level = 0;                                  ///< 0 major, 1 minor
+    double tickTitleOffset = 0;                     ///< value units by which the label stands beside the mark
 
     /// Ascending by value: negative, 0 or positive.
     int compare(const XAxisTick& other) const;

@@ -1,0 +1,16 @@
+// An axis without marks.
+#pragma once
+
+#include "Classes/Axes/XAxis.h"
+
+/// A linear axis that shows nothing of itself.
+class XEmptyAxis : public XAxis {
+  public:
+    XEmptyAxis() = default;
+
+    std::unique_ptr<XAxis> copy() const override;
+    XAxisTicks ticks() const override; ///< always null
+
+  protected:
+    XEmptyAxis(const XEmptyAxis&) = default;
+};
