@@ -15,6 +15,9 @@ velquin_library(core
     Core/TextToDouble.h
     EmbeddedPlugins/Common/XPTableData.h
     EmbeddedPlugins/Common/XValueRange.h
+    libparsers/ByteScan.h
+    libparsers/csv.h
+    libparsers/csvTokenizing.h
   SOURCES
     Core/Assertions.cpp
     Core/ColorName.cpp
@@ -26,4 +29,5 @@ velquin_library(core
     Core/TickCompressor.cpp
     Core/TextToDouble.cpp
     EmbeddedPlugins/Common/XPTableData.cpp
+    libparsers/csv.cpp
   USES Threads::Threads)
