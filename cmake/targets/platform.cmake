@@ -9,6 +9,8 @@ velquin_library(platform
     Platform/Core/NotificationCenter.h
     Platform/Core/Observable.h
     Platform/Core/OperationQueue.h
+    Platform/Core/PropertyList.h
+    Platform/Core/PropertyListFormats.h
     Platform/Core/UserDefaults.h
     Platform/Core/XViewController.h
   SOURCES
@@ -20,6 +22,9 @@ velquin_library(platform
     Platform/Core/NotificationCenter.cpp
     Platform/Core/Observable.cpp
     Platform/Core/OperationQueue.cpp
+    Platform/Core/PropertyList.cpp
+    Platform/Core/PropertyListBinary.cpp
+    Platform/Core/PropertyListFile.cpp
+    Platform/Core/PropertyListXml.cpp
     Platform/Core/UserDefaults.cpp
-  USES velquin_core Qt6::Core
-  PRIVATE_USES PkgConfig::plist)
+  USES velquin_core Qt6::Core)
