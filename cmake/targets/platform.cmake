@@ -11,6 +11,7 @@ velquin_library(platform
     Platform/Core/OperationQueue.h
     Platform/Core/PropertyList.h
     Platform/Core/PropertyListFormats.h
+    Platform/Core/UndoManager.h
     Platform/Core/UserDefaults.h
     Platform/Core/XViewController.h
   SOURCES
@@ -26,5 +27,6 @@ velquin_library(platform
     Platform/Core/PropertyListBinary.cpp
     Platform/Core/PropertyListFile.cpp
     Platform/Core/PropertyListXml.cpp
+    Platform/Core/UndoManager.cpp
     Platform/Core/UserDefaults.cpp
   USES velquin_core Qt6::Core)

@@ -4,7 +4,9 @@
 #include <QObject>
 #include <QString>
 
+#include <cstddef>
 #include <functional>
+#include <optional>
 #include <vector>
 
 /// What registers while a change happens lands on the undo stack; what registers while undoing lands on the
@@ -20,8 +22,10 @@ class UndoManager : public QObject {
     explicit UndoManager(QObject* parent = nullptr);
 
     void registerUndo(Inverse inverse);
-    /// Names the group that is open now ("Setting color").
+    /// Names the group that is open now, or that the next registration of this turn opens ("Setting color").
+    /// While undoing or redoing the step keeps its name.
     void setActionName(const QString& name);
+    /// Groups nest: the outermost is the step. Ends the group of this turn.
     void beginUndoGrouping();
     void endUndoGrouping();
     /// Closes the group of this event-loop turn early, so that what follows is a step of its own.
@@ -47,4 +51,25 @@ class UndoManager : public QObject {
 
   Q_SIGNALS:
     void changed(); ///< stacks, names or cleanness may have changed
+
+  private:
+    struct Group {
+        QString name;
+        std::vector<Inverse> inverses; ///< run from the last to the first
+    };
+    enum class Activity { Idle, Undoing, Redoing };
+
+    void openTurnGroup();
+    void closeOpenGroup();
+    void revert(std::vector<Group>& from, std::vector<Group>& to, Activity activity);
+    bool isGroupOpen() const { return m_open && !m_open->inverses.empty(); }
+
+    std::vector<Group> m_undo;
+    std::vector<Group> m_redo;
+    std::optional<Group> m_open; ///< collects registrations; while undoing, what goes to the redo stack
+    std::size_t m_handDepth = 0; ///< how many groups are open by hand
+    bool m_turnEndIsPosted = false;
+    Activity m_activity = Activity::Idle;
+    std::size_t m_levels = 0;
+    std::optional<std::size_t> m_cleanDepth = 0; ///< groups on the undo stack at the clean mark
 };
