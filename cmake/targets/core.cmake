@@ -2,6 +2,7 @@
 velquin_library(core
   HEADERS
     Core/Assertions.h
+    Core/CalendarFields.h
     Core/ClampToInt.h
     Core/ColorName.h
     Core/NewCurveColor.h
@@ -9,6 +10,7 @@ velquin_library(core
     Core/PixelMath.h
     Core/PolylineCompressor.h
     Core/ShortDecimal.h
+    Core/SignalFilters.h
     Core/StrokeRasterizer.h
     Core/RgbaColor.h
     Core/TickCompressor.h
@@ -20,10 +22,12 @@ velquin_library(core
     libparsers/csvTokenizing.h
   SOURCES
     Core/Assertions.cpp
+    Core/CalendarFields.cpp
     Core/ColorName.cpp
     Core/NewCurveColor.cpp
     Core/NumberText.cpp
     Core/PolylineCompressor.cpp
+    Core/SignalFilters.cpp
     Core/StrokeRasterizer.cpp
     Core/RgbaColor.cpp
     Core/TickCompressor.cpp
