@@ -9,6 +9,8 @@ velquin_library(core
     Core/NumberText.h
     Core/PixelMath.h
     Core/PolylineCompressor.h
+    Core/PremultipliedColor.h
+    Core/SegmentClip.h
     Core/ShortDecimal.h
     Core/SignalFilters.h
     Core/StrokeRasterizer.h
@@ -27,6 +29,7 @@ velquin_library(core
     Core/NewCurveColor.cpp
     Core/NumberText.cpp
     Core/PolylineCompressor.cpp
+    Core/PremultipliedColor.cpp
     Core/SignalFilters.cpp
     Core/StrokeRasterizer.cpp
     Core/RgbaColor.cpp

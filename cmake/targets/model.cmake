@@ -6,6 +6,7 @@ set(model_headers
   Classes/PlotModel/PlistValues.h
   Classes/PlotModel/XCurve.h
   Classes/PlotView/XGraphPointDescription.h
+  Classes/PlotView/XPointsLibrary.h
   Classes/ValueEncodings/ColorEncoding.h
   Classes/ValueEncodings/XVelquin.h
 )
@@ -14,6 +15,7 @@ set(model_sources
   Classes/PlotModel/PlistValues.cpp
   Classes/PlotModel/XCurve.cpp
   Classes/PlotModel/XCurvePlist.cpp
+  Classes/PlotView/XPointsLibrary.cpp
   Classes/ValueEncodings/ColorEncoding.cpp
   Classes/ValueEncodings/XVelquin.cpp
 )

@@ -1,6 +1,8 @@
 // Sums of areas below edges, column by column, and the sweep that turns them into pixels.
 #include "Core/StrokeRasterizer.h"
 
+#include "Core/SegmentClip.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -10,33 +12,7 @@ namespace {
 
 constexpr int noRow = std::numeric_limits<int>::max();
 
-/// `below` times (1 - a), a being the alpha of what covers it, 0 to 255; each component rounded.
-std::uint32_t attenuated(std::uint32_t below, std::uint32_t alpha) {
-    const std::uint32_t rest = 255 - alpha;
-    const auto twoComponents = [rest](std::uint32_t value) {
-        const std::uint32_t scaled = (value & 0x00ff00ffU) * rest + 0x00800080U;
-        return ((scaled + ((scaled >> 8U) & 0x00ff00ffU)) >> 8U) & 0x00ff00ffU; // divides by 255
-    };
-    return twoComponents(below) | (twoComponents(below >> 8U) << 8U);
-}
-
-/// Within 0 to 1; NaN is 0.
-double unit(double value) {
-    return value > 0 ? std::min(value, 1.0) : 0.0;
-}
-
 } // namespace
-
-CoverageRamp coverageRamp(double red, double green, double blue, double alpha) {
-    CoverageRamp ramp{};
-    const auto component = [](double value) { return static_cast<std::uint32_t>(value * 255 + 0.5); };
-    for (std::size_t coverage = 0; coverage < ramp.size(); ++coverage) {
-        const double covered = unit(alpha) * static_cast<double>(coverage) / 255;
-        ramp[coverage] = component(covered) << 24U | component(unit(red) * covered) << 16U |
-                         component(unit(green) * covered) << 8U | component(unit(blue) * covered);
-    }
-    return ramp;
-}
 
 StrokeRasterizer::StrokeRasterizer(int width, int height, double lineWidth)
     : m_width(width), m_height(height), m_halfWidth(lineWidth / 2),
@@ -74,25 +50,15 @@ bool StrokeRasterizer::isNear(Point point) const {
 /// A rectangle around what of the centre line lies so near that it can touch the picture. The ends that
 /// clipping makes lie outside, like all that they leave out.
 void StrokeRasterizer::addSegment(Point from, Point to, Point normal) {
-    const double margin = m_halfWidth + 1;
-    double begin = 0;
-    double end = 1;
-    const auto clip = [&](double start, double delta, double extent) {
-        if (delta == 0)
-            return start >= -margin && start <= extent + margin;
-        const double atLow = (-margin - start) / delta;
-        const double atHigh = (extent + margin - start) / delta;
-        begin = std::max(begin, std::min(atLow, atHigh));
-        end = std::min(end, std::max(atLow, atHigh));
-        return begin < end;
-    };
     const Point delta{to.x - from.x, to.y - from.y};
-    if (!clip(from.x, delta.x, m_width) || !clip(from.y, delta.y, m_height))
+    const std::optional<SegmentPart> part =
+        clippedSegment(from.x, from.y, delta.x, delta.y, m_width, m_height, m_halfWidth + 1);
+    if (!part)
         return;
-    if (end < 1)
-        to = {from.x + end * delta.x, from.y + end * delta.y};
-    if (begin > 0)
-        from = {from.x + begin * delta.x, from.y + begin * delta.y};
+    if (part->end < 1)
+        to = {from.x + part->end * delta.x, from.y + part->end * delta.y};
+    if (part->begin > 0)
+        from = {from.x + part->begin * delta.x, from.y + part->begin * delta.y};
 
     const std::array<Point, 4> corners{{{from.x - normal.x, from.y - normal.y},
                                         {to.x - normal.x, to.y - normal.y},
@@ -227,8 +193,7 @@ void StrokeRasterizer::paintColumn(int column, PixelGrid image, const CoverageRa
         const auto level = static_cast<std::size_t>(std::clamp(coverage * 255 + 0.5, 0.0, 255.0));
         if (level == 0)
             continue;
-        const std::uint32_t color = colors[level];
-        *pixel = *pixel == 0 ? color : color + attenuated(*pixel, color >> 24U);
+        *pixel = composed(colors[level], *pixel);
     }
     std::fill(rows + touched.first, rows + touched.end, 0.0);
     touched = {noRow, 0};

@@ -1,23 +1,10 @@
 // Strokes polylines into a picture of pixels: exact area coverage, each stroke one union.
 #pragma once
 
-#include <array>
+#include "Core/PremultipliedColor.h"
+
 #include <cstddef>
-#include <cstdint>
-#include <span>
 #include <vector>
-
-/// A picture of premultiplied 0xAARRGGBB pixels, owned by someone else.
-struct PixelGrid {
-    std::uint32_t* pixels; ///< first pixel of the top row
-    std::ptrdiff_t stride; ///< pixels from one row to the row below
-};
-
-/// The colour of one stroke, for each coverage from 0 (nothing) to 255 (full), premultiplied.
-using CoverageRamp = std::array<std::uint32_t, 256>;
-
-/// Coverage ramp of a colour whose components and alpha lie within 0 to 1 (others are clamped, NaN is 0).
-CoverageRamp coverageRamp(double red, double green, double blue, double alpha);
 
 /// Lines of one width with bevel joins and butt caps, antialiased. Coordinates are pixels, y upwards from the
 /// lower edge of the picture, and may be any finite number: what lies outside costs nothing.

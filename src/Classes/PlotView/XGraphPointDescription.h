@@ -11,7 +11,7 @@ class XGraphPointDescription {
     /// Appends one marker's outline, centred at (x, y) with half-size r, to the path.
     using DrawCallback = void (*)(QPainterPath& path, float x, float y, float r);
 
-    XGraphPointDescription(int identifier, QString name, DrawCallback drawCallback, bool filled);
+    XGraphPointDescription(int pointIdentifier, QString name, DrawCallback callback, bool filled);
 
     int identifier() const { return m_identifier; }
     const QString& displayName() const { return m_displayName; }

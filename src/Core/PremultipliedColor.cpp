@@ -1,0 +1,24 @@
+// Ramps from nothing to a full colour.
+#include "Core/PremultipliedColor.h"
+
+#include <algorithm>
+
+namespace {
+
+/// Within 0 to 1; NaN is 0.
+double unit(double value) {
+    return value > 0 ? std::min(value, 1.0) : 0.0;
+}
+
+} // namespace
+
+CoverageRamp coverageRamp(double red, double green, double blue, double alpha) {
+    CoverageRamp ramp{};
+    const auto component = [](double value) { return static_cast<std::uint32_t>(value * 255 + 0.5); };
+    for (std::size_t coverage = 0; coverage < ramp.size(); ++coverage) {
+        const double covered = unit(alpha) * static_cast<double>(coverage) / 255;
+        ramp[coverage] = component(covered) << 24U | component(unit(red) * covered) << 16U |
+                         component(unit(green) * covered) << 8U | component(unit(blue) * covered);
+    }
+    return ramp;
+}
