@@ -29,8 +29,8 @@ Failure writeTable(const MoxDocument& document, const QString& file, const QStri
     if (!table)
         return RequestFailure{file, u"the first data source has no data"_qs};
     return failureOf(output, writeOutput(output, [&](QIODevice& device) {
-        return CsvExport::writeTable(device, sources.front()->columnNames(), *table);
-    }));
+                         return CsvExport::writeTable(device, sources.front()->columnNames(), *table);
+                     }));
 }
 
 Failure writeValues(const MoxDocument& document, const QString& output) {
@@ -38,24 +38,24 @@ Failure writeValues(const MoxDocument& document, const QString& output) {
     for (const XCurveHandle& curve : document.curves())
         curves.append(curve->snapshot());
     return failureOf(output, writeOutput(output, [&](QIODevice& device) {
-        return CsvExport::writeValues(device, curves);
-    }));
+                         return CsvExport::writeValues(device, curves);
+                     }));
 }
 
 Failure writeSnapshot(MoxDocument& document, const CommandLine& line, const QString& output) {
     const PictureSize size{line.width, line.height, line.scale};
     return failureOf(output, writeOutput(output, [&](QIODevice& device) {
-        return writeDocumentPicture(device, pictureFormatOfPath(output), document, size);
-    }));
+                         return writeDocumentPicture(device, pictureFormatOfPath(output), document, size);
+                     }));
 }
 
 Failure writeDocument(MoxDocument& document, const QString& output) {
     if (output != u"-"_qs)
         return failureOf(output, document.writeToFile(output));
     return failureOf(output, writeOutput(output, [&](QIODevice& device) {
-        const QByteArray bytes = PropertyList::writeXml(document.plist());
-        return device.write(bytes) == bytes.size();
-    }));
+                         const QByteArray bytes = PropertyList::writeXml(document.plist());
+                         return device.write(bytes) == bytes.size();
+                     }));
 }
 
 Failure writeOutputs(MoxDocument& document, const QString& file, const CommandLine& line) {

@@ -3,8 +3,8 @@
 
 #include "CommandLine.h"
 
-/// Opens the one FILE, waits until it is read and evaluated, writes every output. Returns the exit code: 0 done, 1
-/// the work failed, 2 wrong usage; a failure is one line on standard error.
+/// Opens the one FILE, waits until it is read and evaluated, writes every output. Returns the exit code: 0
+/// done, 1 the work failed, 2 wrong usage; a failure is one line on standard error.
 int runBatch(const CommandLine& line);
 
 /// Prints "velquin: FILE: reason" to standard error; without a file, "velquin: reason".

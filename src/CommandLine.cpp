@@ -23,7 +23,9 @@ struct WrongUsage {
     QString reason;
 };
 
-[[noreturn]] void wrongUsage(const QString& reason) { throw WrongUsage{reason}; }
+[[noreturn]] void wrongUsage(const QString& reason) {
+    throw WrongUsage{reason};
+}
 
 struct DelimiterName {
     const char* name;
@@ -45,14 +47,17 @@ std::optional<Number> numberOf(const QString& text) {
 int integerBetween(const QString& option, const QString& text, int least, int greatest) {
     const std::optional<int> number = numberOf<int>(text);
     if (!number || *number < least || *number > greatest)
-        wrongUsage(u"%1 takes a whole number from %2 to %3, not \"%4\""_qs.arg(option).arg(least).arg(greatest).arg(text));
+        wrongUsage(
+            u"%1 takes a whole number from %2 to %3, not \"%4\""_qs.arg(option).arg(least).arg(greatest).arg(
+                text));
     return *number;
 }
 
 double realBetween(const QString& option, const QString& text, double least, double greatest) {
     const std::optional<double> number = numberOf<double>(text);
     if (!number || !(*number >= least && *number <= greatest))
-        wrongUsage(u"%1 takes a number from %2 to %3, not \"%4\""_qs.arg(option).arg(least).arg(greatest).arg(text));
+        wrongUsage(
+            u"%1 takes a number from %2 to %3, not \"%4\""_qs.arg(option).arg(least).arg(greatest).arg(text));
     return *number;
 }
 
@@ -92,7 +97,9 @@ RgbaColor colorOf(const QString& text) {
     const uint packed = digits.toUInt(&isHexadecimal, 16);
     if (!text.startsWith(u'#') || digits.size() != 6 || !isHexadecimal)
         wrongUsage(u"--color takes #rrggbb, not \"%1\""_qs.arg(text));
-    const auto channel = [packed](int shift) { return static_cast<double>((packed >> shift) & 0xFFU) / 255.0; };
+    const auto channel = [packed](int shift) {
+        return static_cast<double>((packed >> shift) & 0xFFU) / 255.0;
+    };
     return {channel(16), channel(8), channel(0), 1.0};
 }
 
@@ -109,7 +116,8 @@ RangeRequest rangeOf(const QString& option, const QString& text) {
         return value;
     };
     const RangeRequest range{side(text.left(colon)), side(text.mid(colon + 1))};
-    if (range.minimum && range.maximum && !(*range.minimum < *range.maximum && std::isfinite(*range.maximum - *range.minimum)))
+    if (range.minimum && range.maximum &&
+        !(*range.minimum < *range.maximum && std::isfinite(*range.maximum - *range.minimum)))
         wrongUsage(u"%1 takes a range that grows, not \"%2\""_qs.arg(option, text));
     return range;
 }
@@ -129,7 +137,8 @@ QString snapshotPathOf(const QString& text) {
             return text;
     }
     if (text != u"-"_qs)
-        wrongUsage(u"--snapshot writes png, jpg, pdf or svg, by the ending of its file, not \"%1\""_qs.arg(text));
+        wrongUsage(
+            u"--snapshot writes png, jpg, pdf or svg, by the ending of its file, not \"%1\""_qs.arg(text));
     return text;
 }
 
@@ -153,9 +162,10 @@ struct Option {
 };
 
 // One list for parsing and for the help text; an empty name begins a group.
-const Option options[] = {
+constexpr Option options[] = {
     {"", nullptr, "Data of a FILE that is no document:", nullptr},
-    {"--delimiter", "KIND", "numbers (anywhere in a line; the default), comma, semicolon, tab, space or blank",
+    {"--delimiter", "KIND",
+     "numbers (anywhere in a line; the default), comma, semicolon, tab, space or blank",
      [](Reading& r, const QString&, const QString& text) { r.line.delimiterType = delimiterTypeOf(text); }},
     {"--header", nullptr, "the first line holds the names of the columns",
      [](Reading& r, const QString&, const QString&) { r.line.header = true; }},
@@ -182,7 +192,9 @@ const Option options[] = {
          r.lastCurve(o).lineWidth = integerBetween(o, text, 0, greatestWidthOrSize);
      }},
     {"--shape", "NAME", "none, circle, ring, square, diamond, x or plus",
-     [](Reading& r, const QString& o, const QString& text) { r.lastCurve(o).shapeIdentifier = shapeOf(text); }},
+     [](Reading& r, const QString& o, const QString& text) {
+         r.lastCurve(o).shapeIdentifier = shapeOf(text);
+     }},
     {"--shape-size", "N", "half the shape's width in points",
      [](Reading& r, const QString& o, const QString& text) {
          r.lastCurve(o).shapeSize = integerBetween(o, text, 0, greatestWidthOrSize);
@@ -226,7 +238,8 @@ const Option options[] = {
     {"--save", "FILE", "the document",
      [](Reading& r, const QString&, const QString& text) { r.line.saves += text; }},
     {"", nullptr, "Other:", nullptr},
-    {"--help", nullptr, "show this text", [](Reading& r, const QString&, const QString&) { r.line.help = true; }},
+    {"--help", nullptr, "show this text",
+     [](Reading& r, const QString&, const QString&) { r.line.help = true; }},
     {"--version", nullptr, "show the version",
      [](Reading& r, const QString&, const QString&) { r.line.version = true; }},
 };
@@ -265,7 +278,8 @@ void checkTogether(const CommandLine& line) {
         wrongUsage(u"an output takes exactly one FILE, not %1"_qs.arg(line.files.size()));
     if (line.width * line.scale > greatestSide || line.height * line.scale > greatestSide)
         wrongUsage(u"--size times --scale is over %1 device pixels"_qs.arg(greatestSide));
-    const qsizetype toStandardOutput = (line.snapshots + line.tables + line.values + line.saves).count(u"-"_qs);
+    const qsizetype toStandardOutput =
+        (line.snapshots + line.tables + line.values + line.saves).count(u"-"_qs);
     if (toStandardOutput > 1)
         wrongUsage(u"only one output can go to standard output"_qs);
 }
@@ -297,8 +311,9 @@ std::variant<CommandLine, UsageError> parseCommandLine(const QStringList& argume
 }
 
 QString commandLineHelp() {
-    QString text = u"Usage: velquin [OPTIONS] [FILE...]\n\nPlots large numeric and time-series tables. A FILE is a "
-                   "document (a property list, or *.mox) or a\ntext with numbers; without outputs, each opens in a window.\n"_qs;
+    QString text =
+        u"Usage: velquin [OPTIONS] [FILE...]\n\nPlots large numeric and time-series tables. A FILE is a "
+        "document (a property list, or *.mox) or a\ntext with numbers; without outputs, each opens in a window.\n"_qs;
     for (const Option& option : options) {
         if (option.read == nullptr) {
             text += u'\n' + QLatin1String(option.help) + u'\n';

@@ -68,7 +68,8 @@ struct UsageError {
     QString reason;
 };
 
-/// Reads the arguments (without the program's name). Only --x, --y and a curve's dressing depend on their order.
+/// Reads the arguments (without the program's name). Only --x, --y and a curve's dressing depend on their
+/// order.
 std::variant<CommandLine, UsageError> parseCommandLine(const QStringList& arguments);
 
 /// The text of --help, made from the same table of options.

@@ -63,7 +63,8 @@ class BlockWriter {
 
 QByteArray quoted(const QString& name) {
     QByteArray text = name.toUtf8();
-    const bool needsQuotes = text.contains(',') || text.contains('"') || text.contains('\n') || text.contains('\r');
+    const bool needsQuotes =
+        text.contains(',') || text.contains('"') || text.contains('\n') || text.contains('\r');
     if (!needsQuotes)
         return text;
     text.replace("\"", "\"\"");

@@ -94,7 +94,8 @@ void dress(XCurve& curve, const CurveRequest& request) {
 }
 
 /// Adds one curve; returns the reason when a column is missing.
-std::optional<QString> addCurve(MoxDocument& document, const CurveRequest& request, const QStringList& columnNames) {
+std::optional<QString> addCurve(MoxDocument& document, const CurveRequest& request,
+                                const QStringList& columnNames) {
     const std::variant<int, QString> y = columnOf(request.y, columnNames);
     const std::variant<int, QString> x = request.x ? columnOf(*request.x, columnNames) : 0;
     for (const auto* column : {&y, &x}) {
@@ -156,13 +157,15 @@ std::optional<RequestFailure> firstReadFailure(const MoxDocument& document) {
         if (source->readError().isEmpty())
             continue;
         const auto* file = qobject_cast<const XPTextFile*>(source.get());
-        return RequestFailure{file != nullptr && !file->filename().isEmpty() ? file->filename() : source->title(),
+        return RequestFailure{file != nullptr && !file->filename().isEmpty() ? file->filename()
+                                                                             : source->title(),
                               source->readError()};
     }
     return std::nullopt;
 }
 
-std::optional<RequestFailure> applyRequest(MoxDocument& document, const QString& file, const CommandLine& line) {
+std::optional<RequestFailure> applyRequest(MoxDocument& document, const QString& file,
+                                           const CommandLine& line) {
     const auto& sources = document.dataSourcesManager().dataSources();
     if (!line.curves.empty() && sources.empty())
         return RequestFailure{file, u"the document has no data source to take a curve from"_qs};

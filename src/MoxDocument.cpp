@@ -2,13 +2,13 @@
 #include "MoxDocument.h"
 
 #include "Classes/Axes/XAxisManager.h"
+#include "Classes/PlotModel/CurveKeys.h"
 #include "Classes/PluginsManager/XPluginsManager.h"
 #include "Core/Assertions.h"
 #include "Core/NewCurveColor.h"
 #include "DocumentWindow.h"
 #include "EmbeddedPlugins/TextEditor/XPTextEditor.h"
 #include "EmbeddedPlugins/TextFile/XPTextFile.h"
-#include "Classes/PlotModel/CurveKeys.h"
 #include "Platform/Core/NotificationCenter.h"
 
 #include <algorithm>
@@ -21,8 +21,8 @@ constexpr int maxLevelsOfUndo = 10;
 
 /// The document's own keys that mark it edited. Kept: the legend's margins are not among them.
 constexpr const char* documentKeys[] = {
-    "plotAreaTitle", "axisTitleX",  "axisTitleY",        "axisMinX",            "axisMaxX",
-    "axisMinY",      "axisMaxY",    "axisX_type",        "axisY_type",          "showOriginX",
+    "plotAreaTitle", "axisTitleX",        "axisTitleY",          "axisMinX",   "axisMaxX",
+    "axisMinY",      "axisMaxY",          "axisX_type",          "axisY_type", "showOriginX",
     "showOriginY",   "showVerticalLines", "showHorizontalLines", "showLegend", "legendAlignment"};
 
 } // namespace
@@ -32,7 +32,9 @@ MoxDocument::MoxDocument() : m_dataSourcesManager(std::make_unique<XDataSourcesM
     connect(&m_undoManager, &UndoManager::changed, this, &MoxDocument::editedChanged);
 }
 
-MoxDocument::~MoxDocument() { close(); }
+MoxDocument::~MoxDocument() {
+    close();
+}
 
 void MoxDocument::finishOpening() {
     m_undoManager.setLevelsOfUndo(maxLevelsOfUndo);
@@ -52,17 +54,20 @@ void MoxDocument::close() {
     m_undoManager.removeAllActions();
 }
 
-// --- Data sources ----------------------------------------------------------------------------------------------
+// --- Data sources
+// ----------------------------------------------------------------------------------------------
 
 XDataSource MoxDocument::addDatasourceOfType(const QString& identifier) {
-    XDataSource source = XPluginsManager::sharedInstance().createPluginOfTypeSettings(identifier, std::nullopt);
+    XDataSource source =
+        XPluginsManager::sharedInstance().createPluginOfTypeSettings(identifier, std::nullopt);
     if (source)
         addDataSourceAtIndex(source, static_cast<int>(m_dataSourcesManager->dataSources().size()));
     return source;
 }
 
 XDataSource MoxDocument::addDatasourceWithSettings(const QString& identifier, const QVariantMap& settings) {
-    XDataSource source = XPluginsManager::sharedInstance().createPluginOfTypeSettings(identifier, std::nullopt);
+    XDataSource source =
+        XPluginsManager::sharedInstance().createPluginOfTypeSettings(identifier, std::nullopt);
     if (source) {
         source->setPlist(settings); // unread so far: adding it reads it, once
         addDataSourceAtIndex(source, static_cast<int>(m_dataSourcesManager->dataSources().size()));
@@ -70,8 +75,12 @@ XDataSource MoxDocument::addDatasourceWithSettings(const QString& identifier, co
     return source;
 }
 
-void MoxDocument::addTextFileDatasource() { addDatasourceOfType(XPTextFile::identifier()); }
-void MoxDocument::addTextEditorDatasource() { addDatasourceOfType(XPTextEditor::identifier()); }
+void MoxDocument::addTextFileDatasource() {
+    addDatasourceOfType(XPTextFile::identifier());
+}
+void MoxDocument::addTextEditorDatasource() {
+    addDatasourceOfType(XPTextEditor::identifier());
+}
 
 void MoxDocument::fileDropped(const QString& path) {
     addDatasourceWithSettings(XPTextFile::identifier(), {{u"Filename"_qs, path}});
@@ -134,10 +143,12 @@ void MoxDocument::reloadData() {
 
 bool MoxDocument::isReading() const {
     const auto& sources = m_dataSourcesManager->dataSources();
-    return std::any_of(sources.begin(), sources.end(), [](const XDataSource& source) { return source->isLoading(); });
+    return std::any_of(sources.begin(), sources.end(),
+                       [](const XDataSource& source) { return source->isLoading(); });
 }
 
-// --- Curves ----------------------------------------------------------------------------------------------------
+// --- Curves
+// ----------------------------------------------------------------------------------------------------
 
 void MoxDocument::insertCurveAtIndex(const XCurveHandle& curve, int index) {
     XCurves changed = curves();
@@ -186,7 +197,8 @@ RgbaColor MoxDocument::findBestColor() const {
     return newCurveColor(colors);
 }
 
-// --- Change tracking -------------------------------------------------------------------------------------------
+// --- Change tracking
+// -------------------------------------------------------------------------------------------
 
 template <class Object>
 void MoxDocument::observeForUndo(const std::shared_ptr<Object>& object, std::span<const char* const> keys) {
@@ -202,19 +214,30 @@ void MoxDocument::observeForUndo(const std::shared_ptr<Object>& object, std::spa
     });
 }
 
-void MoxDocument::startObservingCurve(const XCurveHandle& curve) { observeForUndo(curve, curveUndoKeys); }
-void MoxDocument::stopObservingCurve(const XCurveHandle& curve) { m_observations.erase(curve.get()); }
-void MoxDocument::startObservingPlugin(const XDataSource& plugin) { observeForUndo(plugin, plugin->kvoKeys()); }
-void MoxDocument::stopObservingPlugin(const XDataSource& plugin) { m_observations.erase(plugin.get()); }
+void MoxDocument::startObservingCurve(const XCurveHandle& curve) {
+    observeForUndo(curve, curveUndoKeys);
+}
+void MoxDocument::stopObservingCurve(const XCurveHandle& curve) {
+    m_observations.erase(curve.get());
+}
+void MoxDocument::startObservingPlugin(const XDataSource& plugin) {
+    observeForUndo(plugin, plugin->kvoKeys());
+}
+void MoxDocument::stopObservingPlugin(const XDataSource& plugin) {
+    m_observations.erase(plugin.get());
+}
 
 void MoxDocument::updateChangeCount() {
     m_changedWithoutUndo = true;
     Q_EMIT editedChanged();
 }
 
-bool MoxDocument::isDocumentEdited() const { return m_changedWithoutUndo || !m_undoManager.isClean(); }
+bool MoxDocument::isDocumentEdited() const {
+    return m_changedWithoutUndo || !m_undoManager.isClean();
+}
 
-// --- Window ----------------------------------------------------------------------------------------------------
+// --- Window
+// ----------------------------------------------------------------------------------------------------
 
 void MoxDocument::onFitToData() {
     if (m_window != nullptr)

@@ -23,8 +23,8 @@ class DocumentWindow;
 using XCurves = QList<XCurveHandle>;
 using XAxisKind = const XAxisInfo*; ///< an entry of the axis registry, which lives for ever
 
-/// Reads and writes the document file, keeps the undo history and the edited mark. Main thread. Works without a
-/// window; what the window must show goes through `DocumentWindow`.
+/// Reads and writes the document file, keeps the undo history and the edited mark. Main thread. Works without
+/// a window; what the window must show goes through `DocumentWindow`.
 class MoxDocument : public Observable {
     Q_OBJECT
     /// Replaced whole on every change, never changed in place.
@@ -61,8 +61,8 @@ class MoxDocument : public Observable {
     /// Sources, undo limit and observation of the document's own keys; called once the document is filled.
     void finishOpening();
 
-    /// Loads a document file into this fresh document; data sources start reading. On failure returns the reason and
-    /// leaves the document closed.
+    /// Loads a document file into this fresh document; data sources start reading. On failure returns the
+    /// reason and leaves the document closed.
     std::optional<QString> readFromFile(const QString& path);
     /// Writes the file atomically. On failure returns the reason; the old file and the edited mark stay.
     std::optional<QString> writeToFile(const QString& path);

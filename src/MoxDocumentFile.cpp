@@ -34,7 +34,9 @@ FileContent contentOf(const QString& path) {
     return {file.read(greatestDocumentSize), {}};
 }
 
-QString textOf(const AssertionFailure& failure) { return QString::fromUtf8(failure.what()); }
+QString textOf(const AssertionFailure& failure) {
+    return QString::fromUtf8(failure.what());
+}
 
 } // namespace
 
@@ -50,7 +52,7 @@ std::optional<QString> MoxDocument::readFromFile(const QString& path) {
         loadFromPlist(*parsed.value);
     } catch (const AssertionFailure& failure) {
         close(); // ends the reads that the data sources have begun
-        const QString reason = isDictionary    ? textOf(failure)
+        const QString reason = isDictionary   ? textOf(failure)
                                : parsed.value ? u"its root is not a dictionary"_qs
                                               : parsed.error;
         return u"it is not a document: "_qs + reason;
@@ -96,7 +98,8 @@ QVariantMap MoxDocument::plist() const {
     const auto& sources = m_dataSourcesManager->dataSources();
     for (const XCurveHandle& curve : curves()) {
         values.curves.append(curve->plist());
-        // Kept: a curve without a data source takes no place in the map, so that later curves move up when read.
+        // Kept: a curve without a data source takes no place in the map, so that later curves move up when
+        // read.
         const auto found = std::find(sources.begin(), sources.end(), curve->dataSource());
         if (curve->dataSource() && found != sources.end())
             values.datasourcesMap.push_back(found - sources.begin());

@@ -27,12 +27,15 @@ QStringList argumentsOf(int argc, char** argv) {
     return arguments;
 }
 
-void print(const QString& text) { std::fputs(text.toLocal8Bit().constData(), stdout); }
+void print(const QString& text) {
+    std::fputs(text.toLocal8Bit().constData(), stdout);
+}
 
 /// What every run needs once there is an application object.
 void setUpProgram() {
     setAssertionReporter([](const AssertionFailure& failure) {
-        qCWarning(velquinLog, "assertion: %s (%s:%d)", failure.what(), failure.sourcePath.c_str(), failure.line);
+        qCWarning(velquinLog, "assertion: %s (%s:%d)", failure.what(), failure.sourcePath.c_str(),
+                  failure.line);
     });
     PlotStyles::installFontSubstitutions();
     XPluginsManager::setFactories({std::make_shared<XPTextFileFactory>()});

@@ -63,5 +63,5 @@ void assertions::fail(const PlacedText& where, const std::string& text) {
     if (reporterInForce())
         reporterInForce()(failure);
     if (threadPolicy == AssertionPolicy::Throw)
-        throw failure;
+        throw AssertionFailure(failure);
 }

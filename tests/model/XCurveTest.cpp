@@ -51,7 +51,8 @@ TEST(XCurveSavedForm, keptOmissions) {
     curve->setPointsize_data_index(5);
     curve->setY_data_expression(u"c2"_qs); // not switched on
     const QVariantMap saved = curve->plist();
-    for (const QString& key : {u"Pointsize_data_index"_qs, u"pointsize_data_index"_qs, u"Y_data_expression"_qs})
+    for (const QString& key :
+         {u"Pointsize_data_index"_qs, u"pointsize_data_index"_qs, u"Y_data_expression"_qs})
         EXPECT_FALSE(saved.contains(key)) << "kept: " << key.toStdString() << " is not saved";
 }
 
@@ -84,14 +85,19 @@ INSTANTIATE_TEST_SUITE_P(
         LegacyRow{"unknown shape", {{u"TicksShape"_qs, 77}, {u"TicksSize"_qs, 3}}, 0, 3, 0},
         LegacyRow{"kept: the line type is the width itself", {{u"LineType"_qs, 3}}, 0, 0, 3},
         LegacyRow{"only the older width", {{u"LineWidth"_qs, 5}}, 0, 0, 5},
-        LegacyRow{"widths beyond 32 bits are clamped", {{u"LineType"_qs, 1e30}}, 0, 0, std::numeric_limits<int>::max()},
+        LegacyRow{"widths beyond 32 bits are clamped",
+                  {{u"LineType"_qs, 1e30}},
+                  0,
+                  0,
+                  std::numeric_limits<int>::max()},
         LegacyRow{"negative width and size", {{u"LineType"_qs, -4}, {u"TicksSize"_qs, -9}}, 0, -9, -4}));
 
 TEST(XCurveSavedForm, keptLegacyWidthIsSeenByObservers) {
     const XCurveHandle curve = XCurve::make();
     std::vector<int> seen;
     static constexpr const char* keys[] = {"lineWidth"};
-    const Observation observation(*curve, keys, [&](const KeyChange& c) { seen.push_back(c.newValue.toInt()); });
+    const Observation observation(*curve, keys,
+                                  [&](const KeyChange& c) { seen.push_back(c.newValue.toInt()); });
     curve->loadFromPlist(QVariantMap{{u"LineType"_qs, 3}});
     EXPECT_EQ(seen, (std::vector<int>{4, 3})) << "kept: the legacy reading comes first";
 }
@@ -110,8 +116,8 @@ TEST(XCurveSavedForm, fallbacks) {
 
 TEST(XCurve, everyObservedKeyAsksForARedraw) {
     const XCurveHandle curve = XCurve::make();
-    for (const char* key : {"color", "isVisible", "lineWidth", "ticksSize", "x_data_index", "pointsize_data_expression",
-                            "dataSource"}) {
+    for (const char* key : {"color", "isVisible", "lineWidth", "ticksSize", "x_data_index",
+                            "pointsize_data_expression", "dataSource"}) {
         curve->setNeedsRedraw(false);
         curve->setValueForKey(key, curve->valueForKey(key)); // equal values count
         EXPECT_TRUE(curve->needsRedraw()) << key;
@@ -149,7 +155,8 @@ TEST(XCurve, switchingPointSizeToAnExpressionKeepsTheLook) {
 TEST(XCurve, ranges) {
     const XCurveHandle curve = XCurve::make();
     EXPECT_EQ(curve->getRangeX(), (XValueRange{-10, 10})) << "without a data source";
-    curve->setDataSource(std::make_shared<support::TableSource>(makeTable({{3, nan, -1, 8}, {nan, nan, nan, nan}})));
+    curve->setDataSource(
+        std::make_shared<support::TableSource>(makeTable({{3, nan, -1, 8}, {nan, nan, nan, nan}})));
     EXPECT_EQ(curve->getRangeX(), (XValueRange{0, 3})) << "row numbers";
     curve->setY_data_index(1);
     EXPECT_EQ(curve->getRangeY(), (XValueRange{-1, 8}));
@@ -167,7 +174,8 @@ TEST(XCurveRendering, aChangeDuringARenderingKeepsTheRequest) {
     curve->setLineWidth(2);
     const CurveSnapshot seen = curve->snapshot();
     curve->setLineWidth(3);
-    EXPECT_FALSE(curve->acceptRendering({QImage(4, 4, QImage::Format_ARGB32_Premultiplied), axis, axis}, seen.changeCount));
+    EXPECT_FALSE(curve->acceptRendering({QImage(4, 4, QImage::Format_ARGB32_Premultiplied), axis, axis},
+                                        seen.changeCount));
     EXPECT_TRUE(curve->needsRedraw());
     EXPECT_FALSE(curve->renderedImage().isNull()) << "the image is shown all the same";
     EXPECT_TRUE(curve->acceptRendering({{}, axis, axis}, curve->snapshot().changeCount));

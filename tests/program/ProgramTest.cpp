@@ -21,7 +21,8 @@ struct Outcome {
     QByteArray err;
 };
 
-Outcome velquin(const QStringList& arguments, const ScratchFolder& folder, const QStringList& environment = {}) {
+Outcome velquin(const QStringList& arguments, const ScratchFolder& folder,
+                const QStringList& environment = {}) {
     QProcess process;
     QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
     variables.remove(u"DISPLAY"_qs);
@@ -37,7 +38,9 @@ Outcome velquin(const QStringList& arguments, const ScratchFolder& folder, const
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
 }
 
-QStringList words(const char* line) { return QString::fromUtf8(line).split(u' ', Qt::SkipEmptyParts); }
+QStringList words(const char* line) {
+    return QString::fromUtf8(line).split(u' ', Qt::SkipEmptyParts);
+}
 
 const QByteArray smallTable = "time,air,\"water, 1 m\"\n10,1.5,-2\n20,,1e300\n30,0.1,-0\n";
 
@@ -87,18 +90,18 @@ INSTANTIATE_TEST_SUITE_P(
 
 INSTANTIATE_TEST_SUITE_P(
     Work, ProgramFails,
-    testing::Values(FailureRow{"missing.csv --table out.csv", 1, "missing.csv: No such file"},
-                    FailureRow{". --table out.csv", 1, "irectory"},
-                    FailureRow{"pipe --table out.csv", 1, "pipe: "},
-                    FailureRow{"/dev/zero --table out.csv", 1, "/dev/zero: "},
-                    FailureRow{"bad.mox --table out.csv", 1, "bad.mox: it is not a document"},
-                    FailureRow{"missing.mox --save out.csv", 1, "missing.mox: "},
-                    FailureRow{"a.csv --delimiter comma --y 4 --values out.csv", 1, "no column 4, the last is 3"},
-                    FailureRow{"a.csv --delimiter comma --y -1 --values out.csv", 1, "no column -1"},
-                    FailureRow{"a.csv --delimiter comma --table nosuch/out.csv", 1, "nosuch/out.csv: "},
-                    FailureRow{"a.csv --delimiter comma --y 1 --snapshot nosuch/out.png", 1, "nosuch/out.png: "},
-                    FailureRow{"a.csv --table /dev/full", 1, "/dev/full: No space left on device"},
-                    FailureRow{"a.csv --save /dev/full/x.mox", 1, "x.mox: "}));
+    testing::Values(
+        FailureRow{"missing.csv --table out.csv", 1, "missing.csv: No such file"},
+        FailureRow{". --table out.csv", 1, "irectory"}, FailureRow{"pipe --table out.csv", 1, "pipe: "},
+        FailureRow{"/dev/zero --table out.csv", 1, "/dev/zero: "},
+        FailureRow{"bad.mox --table out.csv", 1, "bad.mox: it is not a document"},
+        FailureRow{"missing.mox --save out.csv", 1, "missing.mox: "},
+        FailureRow{"a.csv --delimiter comma --y 4 --values out.csv", 1, "no column 4, the last is 3"},
+        FailureRow{"a.csv --delimiter comma --y -1 --values out.csv", 1, "no column -1"},
+        FailureRow{"a.csv --delimiter comma --table nosuch/out.csv", 1, "nosuch/out.csv: "},
+        FailureRow{"a.csv --delimiter comma --y 1 --snapshot nosuch/out.png", 1, "nosuch/out.png: "},
+        FailureRow{"a.csv --table /dev/full", 1, "/dev/full: No space left on device"},
+        FailureRow{"a.csv --save /dev/full/x.mox", 1, "x.mox: "}));
 
 TEST(Program, tableIsShortestRoundTripWithEmptyCells) {
     const ScratchFolder folder;
@@ -162,9 +165,9 @@ TEST(Program, aSavedDocumentOpensWithTheSamePicture) {
 TEST(Program, vectorPicturesHoldOneStrokeEachAndText) {
     const ScratchFolder folder;
     folder.write(u"a.csv"_qs, "0\n1\n4\n9\n");
-    const Outcome outcome =
-        velquin(words("a.csv --y 1 --color #ff0000 --line-width 3 --title Squares --snapshot p.svg --snapshot p.pdf --snapshot p.jpg"),
-                folder);
+    const Outcome outcome = velquin(words("a.csv --y 1 --color #ff0000 --line-width 3 --title Squares "
+                                          "--snapshot p.svg --snapshot p.pdf --snapshot p.jpg"),
+                                    folder);
     ASSERT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
     const QByteArray svg = ScratchFolder::read(folder.path(u"p.svg"_qs));
     EXPECT_EQ(svg.count("#ff0000"), 1) << "one stroke for one sub-path";
@@ -183,7 +186,8 @@ TEST(Program, leavesTheUserDefaultsAlone) {
 TEST(Program, aCommaLocaleChangesNoNumber) {
     const ScratchFolder folder;
     folder.write(u"a.csv"_qs, "1.5 2.25\n");
-    const Outcome outcome = velquin(words("a.csv --table - --y 1 --save d.mox"), folder, {u"LC_ALL=de_DE.UTF-8"_qs});
+    const Outcome outcome =
+        velquin(words("a.csv --table - --y 1 --save d.mox"), folder, {u"LC_ALL=de_DE.UTF-8"_qs});
     EXPECT_EQ(outcome.out, "Row number,Column 1,Column 2\n0,1.5,2.25\n");
     EXPECT_TRUE(ScratchFolder::read(folder.path(u"d.mox"_qs)).contains("<real>"));
 }

@@ -57,7 +57,8 @@ TEST_F(MoxDocumentTest, keptTheMapLeavesOutCurvesWithoutASource) {
     MoxDocument again;
     again.loadFromPlist(document().plist());
     const auto& loadedSources = again.dataSourcesManager().dataSources();
-    EXPECT_EQ(again.curves()[1]->dataSource(), loadedSources[1]) << "kept: the second curve takes the third's entry";
+    EXPECT_EQ(again.curves()[1]->dataSource(), loadedSources[1])
+        << "kept: the second curve takes the third's entry";
     EXPECT_EQ(again.curves()[2]->dataSource(), nullptr);
 }
 
@@ -100,7 +101,9 @@ struct RefusedFile {
 
 class MoxDocumentRefuses : public testing::TestWithParam<RefusedFile> {};
 
-QByteArray plistBytes(const QVariant& value) { return PropertyList::writeXml(value); }
+QByteArray plistBytes(const QVariant& value) {
+    return PropertyList::writeXml(value);
+}
 
 TEST_P(MoxDocumentRefuses, withAReasonAndWithoutACrash) {
     XPluginsManager::setFactories({std::make_shared<XPTextFileFactory>()});
@@ -119,25 +122,28 @@ INSTANTIATE_TEST_SUITE_P(
     Rows, MoxDocumentRefuses,
     testing::Values(
         RefusedFile{"empty", "", "not a document"},
-        RefusedFile{"truncated", plistBytes(QVariantMap{{u"Curves"_qs, QVariantList{}}}).left(200), "not a document"},
+        RefusedFile{"truncated", plistBytes(QVariantMap{{u"Curves"_qs, QVariantList{}}}).left(200),
+                    "not a document"},
         RefusedFile{"binary garbage", QByteArray("bplist00\xff\xfe\x00garbage", 19), "not a document"},
         RefusedFile{"not a dictionary", plistBytes(QVariantList{1, 2}), "not a dictionary"},
         RefusedFile{"nested 200,000 deep",
-                    "<?xml version=\"1.0\"?><plist version=\"1.0\">" + QByteArray("<array>").repeated(200'000),
+                    "<?xml version=\"1.0\"?><plist version=\"1.0\">" +
+                        QByteArray("<array>").repeated(200'000),
                     "not a document"},
-        RefusedFile{"no curves", plistBytes(QVariantMap{{u"Datasources"_qs, QVariantList{}}}), "no Curves key"},
+        RefusedFile{"no curves", plistBytes(QVariantMap{{u"Datasources"_qs, QVariantList{}}}),
+                    "no Curves key"},
         RefusedFile{"sources no array",
                     plistBytes(QVariantMap{{u"Datasources"_qs, 1},
                                            {u"Curves"_qs, QVariantList{}},
                                            {u"DatasourcesMap"_qs, QVariantList{}}}),
                     "dataSources plist is not NSArray!"},
-        RefusedFile{"unknown plugin",
-                    plistBytes(QVariantMap{
-                        {u"Datasources"_qs,
-                         QVariantList{QVariantMap{{u"PluginIdentifier"_qs, u"nosuchkind"_qs}}}},
-                        {u"Curves"_qs, QVariantList{}},
-                        {u"DatasourcesMap"_qs, QVariantList{}}}),
-                    "Unknown plugin type \"nosuchkind\""},
+        RefusedFile{
+            "unknown plugin",
+            plistBytes(QVariantMap{
+                {u"Datasources"_qs, QVariantList{QVariantMap{{u"PluginIdentifier"_qs, u"nosuchkind"_qs}}}},
+                {u"Curves"_qs, QVariantList{}},
+                {u"DatasourcesMap"_qs, QVariantList{}}}),
+            "Unknown plugin type \"nosuchkind\""},
         RefusedFile{"curve no dictionary",
                     plistBytes(QVariantMap{{u"Datasources"_qs, QVariantList{}},
                                            {u"Curves"_qs, QVariantList{u"x"_qs}},
@@ -188,7 +194,8 @@ TEST_F(MoxDocumentTest, whatMarksTheDocumentEdited) {
     const support::ScratchFolder folder;
     const auto save = [&] { ASSERT_EQ(document().writeToFile(folder.path(u"d.mox"_qs)), std::nullopt); };
     document().setLegendMargins(QSizeF(1, 2));
-    EXPECT_FALSE(document().isDocumentEdited()) << "kept: the legend's margins alone do not mark the document";
+    EXPECT_FALSE(document().isDocumentEdited())
+        << "kept: the legend's margins alone do not mark the document";
     document().setLegendAlignment(9);
     EXPECT_TRUE(document().isDocumentEdited());
     EXPECT_FALSE(document().undoManager().canUndo()) << "the document's own keys make no step";

@@ -23,10 +23,8 @@ struct SwitchKey {
 };
 
 constexpr TextKey textKeys[] = {
-    {"title", &PlotAreaOptions::title},
-    {"axisTitleX", &PlotAreaOptions::axisTitleX},
-    {"axisTitleY", &PlotAreaOptions::axisTitleY},
-    {"axisX_type", &PlotAreaOptions::axisX_type},
+    {"title", &PlotAreaOptions::title},           {"axisTitleX", &PlotAreaOptions::axisTitleX},
+    {"axisTitleY", &PlotAreaOptions::axisTitleY}, {"axisX_type", &PlotAreaOptions::axisX_type},
     {"axisY_type", &PlotAreaOptions::axisY_type},
 };
 constexpr RealKey realKeys[] = {
@@ -43,7 +41,9 @@ constexpr SwitchKey switchKeys[] = {
     {"showLegend", &PlotAreaOptions::showLegend},
 };
 
-QString text(const char* key) { return QString::fromLatin1(key); }
+QString text(const char* key) {
+    return QString::fromLatin1(key);
+}
 
 PlotAreaOptions optionsFromPlist(const QVariantMap& saved) {
     PlotAreaOptions options;
@@ -89,12 +89,14 @@ QVariantMap optionsToPlist(const PlotAreaOptions& options) {
 std::vector<qint64> mapFromPlist(const QVariant& value, qsizetype curveCount, qsizetype sourceCount) {
     const QVariantList entries = value.toList();
     xAssert(value.typeId() == QMetaType::QVariantList, "DatasourcesMap is no array");
-    xAssert(entries.size() <= curveCount, "DatasourcesMap has %ld entries for %ld curves", entries.size(), curveCount);
+    xAssert(entries.size() <= curveCount, "DatasourcesMap has %ld entries for %ld curves", entries.size(),
+            curveCount);
     std::vector<qint64> map;
     for (const QVariant& entry : entries) {
         xAssert(PlistValues::isNumber(entry), "DatasourcesMap holds an entry that is no number");
         const qint64 index = PlistValues::integer(entry);
-        xAssert(index >= 0 && index < sourceCount, "DatasourcesMap names data source %ld of %ld", index, sourceCount);
+        xAssert(index >= 0 && index < sourceCount, "DatasourcesMap names data source %ld of %ld", index,
+                sourceCount);
         map.push_back(index);
     }
     return map;

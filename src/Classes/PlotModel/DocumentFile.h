@@ -1,4 +1,5 @@
-// The document file as values: a property list with data sources, curves, their map and the plot area's options.
+// The document file as values: a property list with data sources, curves, their map and the plot area's
+// options.
 #pragma once
 
 #include <QByteArray>
@@ -33,16 +34,17 @@ struct PlotAreaOptions {
 
 /// What a document file holds, before any object is made of it.
 struct DocumentValues {
-    QVariant datasources;                ///< checked by the data-source manager
-    QVariantList curves;                 ///< one entry a curve, checked by the curve
-    std::vector<qint64> datasourcesMap;  ///< kept: entry i belongs to curve i, whatever was left out when writing
+    QVariant datasources; ///< checked by the data-source manager
+    QVariantList curves;  ///< one entry a curve, checked by the curve
+    std::vector<qint64>
+        datasourcesMap; ///< kept: entry i belongs to curve i, whatever was left out when writing
     PlotAreaOptions plotAreaOptions;
 };
 
 namespace DocumentFile {
 
-/// Fails an assertion (which throws while a document loads) whose text says what is wrong with the root, a missing
-/// key or the map. Options of the wrong type read as if their accessor had met nothing.
+/// Fails an assertion (which throws while a document loads) whose text says what is wrong with the root, a
+/// missing key or the map. Options of the wrong type read as if their accessor had met nothing.
 DocumentValues fromPlist(const QVariant& root);
 QVariantMap toPlist(const DocumentValues& values);
 

@@ -1,4 +1,5 @@
-// Reads numbers and texts out of property-list values: anything unfit gives the stated fallback, never a fault.
+// Reads numbers and texts out of property-list values: anything unfit gives the stated fallback, never a
+// fault.
 #pragma once
 
 #include <QString>

@@ -67,8 +67,8 @@ XCurve::XCurve() : m_color(randomColor()) {
                                            [this](QObject* sender) { dataSourceWillRemoved(sender); });
     m_updateRegistration = center.observe(Notifications::dataSourceUpdated, nullptr,
                                           [this](QObject* sender) { dataSourceUpdated(sender); });
-    m_selfObservation = Observation(*this, curveSelfObservedKeys,
-                                    [this](const KeyChange& change) { ownKeyChanged(change); });
+    m_selfObservation =
+        Observation(*this, curveSelfObservedKeys, [this](const KeyChange& change) { ownKeyChanged(change); });
 }
 
 XCurve::~XCurve() = default;
@@ -99,9 +99,12 @@ void XCurve::setNeedsRedraw(bool needsRedraw) {
     assign(m_needsRedraw, needsRedraw, "needsRedraw");
 }
 
-void XCurve::setDatasource(XDataSource dataSource) { m_dataSource = std::move(dataSource); }
+void XCurve::setDatasource(XDataSource dataSource) {
+    m_dataSource = std::move(dataSource);
+}
 
-// --- Evaluation ------------------------------------------------------------------------------------------------
+// --- Evaluation
+// ------------------------------------------------------------------------------------------------
 
 XCurve::RoleSettings XCurve::settings(Role role) const {
     switch (role) {
@@ -116,9 +119,15 @@ XCurve::RoleSettings XCurve::settings(Role role) const {
             pointsize_data_index()};
 }
 
-bool XCurve::startEvaluatingX() { return startEvaluating(Role::X); }
-bool XCurve::startEvaluatingY() { return startEvaluating(Role::Y); }
-bool XCurve::startEvaluatingPointsize() { return startEvaluating(Role::Pointsize); }
+bool XCurve::startEvaluatingX() {
+    return startEvaluating(Role::X);
+}
+bool XCurve::startEvaluatingY() {
+    return startEvaluating(Role::Y);
+}
+bool XCurve::startEvaluatingPointsize() {
+    return startEvaluating(Role::Pointsize);
+}
 
 bool XCurve::startEvaluating(Role role) {
     const RoleSettings of = settings(role);
@@ -168,7 +177,8 @@ void XCurve::dataSourceWillRemoved(QObject* sender) {
         setDataSource(nullptr);
 }
 
-// --- Ranges ----------------------------------------------------------------------------------------------------
+// --- Ranges
+// ----------------------------------------------------------------------------------------------------
 
 XTable XCurve::lockedTable() const {
     return dataSource() ? dataSource()->data() : nullptr; // `data` takes the source's lock
@@ -183,10 +193,15 @@ XValueRange XCurve::range(Role role, const XAxisHandle& axis) const {
     return table->getRangeOfColumnIndexWithValidValuesInRange(of.usesExpression ? 1 : of.index, valid);
 }
 
-XValueRange XCurve::getRangeX() const { return range(Role::X, axis_X()); }
-XValueRange XCurve::getRangeY() const { return range(Role::Y, axis_Y()); }
+XValueRange XCurve::getRangeX() const {
+    return range(Role::X, axis_X());
+}
+XValueRange XCurve::getRangeY() const {
+    return range(Role::Y, axis_Y());
+}
 
-// --- Rendering -------------------------------------------------------------------------------------------------
+// --- Rendering
+// -------------------------------------------------------------------------------------------------
 
 CurveSnapshot XCurve::snapshot() const {
     CurveSnapshot taken;

@@ -23,19 +23,19 @@ using XPointShape = const XGraphPointDescription*; ///< an entry of the points l
 
 /// What a render task needs of a curve, taken in one go under its locks.
 struct CurveSnapshot {
-    XTable table;           ///< the data source's; null when there is none
-    XTable xEvaluated;      ///< null unless x comes from an expression and was evaluated
+    XTable table;      ///< the data source's; null when there is none
+    XTable xEvaluated; ///< null unless x comes from an expression and was evaluated
     XTable yEvaluated;
     XTable pointsizeEvaluated;
     bool xUsesExpression = false;
     bool yUsesExpression = false;
     bool pointsizeUsesExpression = false;
-    int xIndex = 0;         ///< 1-based column, 0 the row number
+    int xIndex = 0; ///< 1-based column, 0 the row number
     int yIndex = 0;
     RgbaColor color;
     float colorAlpha = 1;
-    int lineWidth = 1;      ///< points
-    int ticksSize = 0;      ///< points
+    int lineWidth = 1; ///< points
+    int ticksSize = 0; ///< points
     XPointShape ticksShape = nullptr;
     quint64 changeCount = 0; ///< of the curve when the snapshot was taken
 
@@ -45,8 +45,8 @@ struct CurveSnapshot {
 
 /// The image a render task made, and the axes it was made for.
 struct RenderedCurve {
-    QImage image;        ///< device pixels, transparent; null when the curve was not rendered
-    XAxisHandle axisX;   ///< lengths in points
+    QImage image;      ///< device pixels, transparent; null when the curve was not rendered
+    XAxisHandle axisX; ///< lengths in points
     XAxisHandle axisY;
 };
 
@@ -66,7 +66,8 @@ class XCurve : public Observable {
     OBSERVED(int, pointsize_data_index, setPointsize_data_index, 0)
     OBSERVED(bool, x_uses_expression, setX_uses_expression, false)
     OBSERVED(bool, y_uses_expression, setY_uses_expression, false)
-    Q_PROPERTY(bool pointsize_uses_expression READ pointsize_uses_expression WRITE setPointsize_uses_expression)
+    Q_PROPERTY(
+        bool pointsize_uses_expression READ pointsize_uses_expression WRITE setPointsize_uses_expression)
     OBSERVED(std::optional<QString>, x_data_expression, setX_data_expression, {})
     OBSERVED(std::optional<QString>, y_data_expression, setY_data_expression, {})
     OBSERVED(std::optional<QString>, pointsize_data_expression, setPointsize_data_expression, {})
@@ -115,8 +116,8 @@ class XCurve : public Observable {
 
     /// One consistent view of the curve for a worker. Main thread.
     CurveSnapshot snapshot() const;
-    /// Takes over what a task rendered; clears `needsRedraw` only if nothing changed since the snapshot (returns
-    /// whether so). Main thread, under the curve's lock.
+    /// Takes over what a task rendered; clears `needsRedraw` only if nothing changed since the snapshot
+    /// (returns whether so). Main thread, under the curve's lock.
     bool acceptRendering(RenderedCurve rendering, quint64 changeCountOfSnapshot);
     RenderedCurve rendering() const; ///< any thread, under the curve's lock
     QImage renderedImage() const;

@@ -65,8 +65,8 @@ QVariantMap XCurve::plist() const {
         {u"TicksSize"_qs, ticksSize()},
         {u"LineType"_qs, lineWidth()}, // the width, under the name that older documents gave it
     };
-    const auto saveRole = [&](const QString& name, bool usesExpression, const std::optional<QString>& expression,
-                              int index) {
+    const auto saveRole = [&](const QString& name, bool usesExpression,
+                              const std::optional<QString>& expression, int index) {
         if (!usesExpression)
             saved.insert(name + u"_index"_qs, index);
         else if (expression)
