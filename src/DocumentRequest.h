@@ -1,4 +1,5 @@
-// Opens the document that a FILE of the command line stands for, and applies what the command line asks of it.
+// Opens the document that a FILE of the command line stands for, and applies what the command line asks of
+// it.
 #pragma once
 
 #include "CommandLine.h"
@@ -26,5 +27,7 @@ std::variant<std::unique_ptr<MoxDocument>, RequestFailure> openRequested(const Q
 /// The first data source whose last read failed, or null.
 std::optional<RequestFailure> firstReadFailure(const MoxDocument& document);
 
-/// Adds the curves and sets the plot area; to be called when the data sources are read, since columns may be named.
-std::optional<RequestFailure> applyRequest(MoxDocument& document, const QString& file, const CommandLine& line);
+/// Adds the curves and sets the plot area; to be called when the data sources are read, since columns may be
+/// named.
+std::optional<RequestFailure> applyRequest(MoxDocument& document, const QString& file,
+                                           const CommandLine& line);

@@ -7,6 +7,7 @@
 #include <functional>
 #include <optional>
 
-/// Opens `path` ("-" is standard output), lets `write` fill it and closes it. Returns the reason of a failure; a
-/// regular file that was there before is then as it was. Links are followed; devices are written directly.
+/// Opens `path` ("-" is standard output), lets `write` fill it and closes it. Returns the reason of a
+/// failure; a regular file that was there before is then as it was. Links are followed; devices are written
+/// directly.
 std::optional<QString> writeOutput(const QString& path, const std::function<bool(QIODevice&)>& write);

@@ -5,7 +5,8 @@
 
 struct CommandLine;
 
-/// The application object of a run with windows: a fault in an event handler is reported and ends that event only.
+/// The application object of a run with windows: a fault in an event handler is reported and ends that event
+/// only.
 class Application : public QApplication {
     Q_OBJECT
 
