@@ -1,6 +1,8 @@
 # model: curves, data sources, documents' values. The lists are the model's whole contents.
 set(model_headers
+  Classes/DataSourcesManager/ArrangedObjects.h
   Classes/DataSourcesManager/XDataSourceProtocol.h
+  Classes/DataSourcesManager/XDataSourcesManager.h
   Classes/PlotModel/CurveKeys.h
   Classes/PlotModel/DocumentFile.h
   Classes/PlotModel/PlistValues.h
@@ -9,8 +11,20 @@ set(model_headers
   Classes/PlotView/XPointsLibrary.h
   Classes/ValueEncodings/ColorEncoding.h
   Classes/ValueEncodings/XVelquin.h
+  Classes/PluginsManager/XPluginFactory.h
+  Classes/PluginsManager/XPluginsManager.h
+  EmbeddedPlugins/TextEditor/XPTextEditor.h
+  EmbeddedPlugins/TextFile/InputFile.h
+  EmbeddedPlugins/TextFile/XPTextFile.h
+  EmbeddedPlugins/TextFile/XPTextFileFactory.h
 )
 set(model_sources
+  Classes/DataSourcesManager/ArrangedObjects.cpp
+  Classes/DataSourcesManager/XDataSourcesManager.cpp
+  Classes/PluginsManager/XPluginsManager.cpp
+  EmbeddedPlugins/TextEditor/XPTextEditor.cpp
+  EmbeddedPlugins/TextFile/InputFile.cpp
+  EmbeddedPlugins/TextFile/XPTextFile.cpp
   Classes/PlotModel/DocumentFile.cpp
   Classes/PlotModel/PlistValues.cpp
   Classes/PlotModel/XCurve.cpp

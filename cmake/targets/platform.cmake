@@ -4,6 +4,7 @@ velquin_library(platform
     Classes/ValueEncodings/LiteralDump.h
     Classes/ValueEncodings/XKeyValue.h
     Classes/ValueEncodings/XUtility.h
+    Platform/Core/FreeMemory.h
     Platform/Core/Log.h
     Platform/Core/MainThread.h
     Platform/Core/NotificationCenter.h
@@ -18,6 +19,7 @@ velquin_library(platform
     Classes/ValueEncodings/LiteralDump.cpp
     Classes/ValueEncodings/XKeyValue.cpp
     Classes/ValueEncodings/XUtility.cpp
+    Platform/Core/FreeMemory.cpp
     Platform/Core/Log.cpp
     Platform/Core/MainThread.cpp
     Platform/Core/NotificationCenter.cpp

@@ -1,0 +1,19 @@
+// Opens data files: regular files only, so that nothing blocks.
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+#include <memory>
+
+class QFile;
+
+struct InputFile {
+    std::unique_ptr<QFile> file; ///< open and unbuffered; null when it was refused
+    std::uint64_t length = 0;    ///< bytes; 0 for files that the system makes up as they are read
+    QString refusal;             ///< why, in the system's words: "No such file or directory"
+};
+
+/// Opens `path`, where "~" and "~/" stand for the home folder and links are followed. Refuses an empty path,
+/// folders, and what is no regular file (a FIFO, socket or device would block, or worse).
+InputFile openInputFile(const QString& path);
