@@ -66,7 +66,7 @@ double powerOfTenBelow(double value) {
     return std::pow(10, std::floor(std::log10(value)));
 }
 
-LinearTicks makeLinearTicks(double min, double max, double spanOf150Pixels) {
+LinearTicks makeLinearTicks(double min, double max, double spanOf150Pixels, TickAnchor anchor) {
     LinearTicks scale;
     if (!std::isfinite(min) || !std::isfinite(max) || min >= max)
         return scale;
@@ -81,11 +81,10 @@ LinearTicks makeLinearTicks(double min, double max, double spanOf150Pixels) {
         return scale;
 
     scale.rangeStep = powerOfTenBelow(max - min);
-    const bool zeroInside = min <= 0 && max >= 0;
-    const double anchor =
-        zeroInside || !(scale.rangeStep > 0) ? 0 : std::floor(min / scale.rangeStep) * scale.rangeStep;
+    const bool onZero = anchor == TickAnchor::Zero || (min <= 0 && max >= 0) || !(scale.rangeStep > 0);
     scale.tickStep = step.size;
-    scale.niceValue = walkOnto(min, anchor, step.size);
+    scale.niceValue =
+        walkOnto(min, onZero ? 0 : std::floor(min / scale.rangeStep) * scale.rangeStep, step.size);
     scale.exponent = clampToInt(std::floor(std::log10(spanOf150Pixels)));
     scale.ticks = std::make_shared<const std::vector<XAxisTick>>(
         clampToInt((max - min) / step.size) == 0 ? std::vector<XAxisTick>()

@@ -56,9 +56,13 @@ void XAxis::setPixelLength(int length) {
 void XAxis::setRangeMinMax(double min, double max) {
     if (min == m_minValue && max == m_maxValue)
         return;
+    storeRange(min, max);
+    resetCachedValues();
+}
+
+void XAxis::storeRange(double min, double max) {
     m_minValue = min;
     m_maxValue = max;
-    resetCachedValues();
 }
 
 void XAxis::resetCachedValues() {
@@ -133,6 +137,11 @@ XAxisColorRanges XAxis::colors() const {
     return m_colors;
 }
 
+void XAxis::cacheColors(XAxisColorRanges colors) const {
+    const std::lock_guard lock(m_lock);
+    m_colors = std::move(colors);
+}
+
 int XAxis::tickPrecision() const {
     if (m_tickPrecision == notComputed) {
         const XAxisTicks marks = cachedTicks(); // as they stand: asking for a precision makes no marks
@@ -148,19 +157,26 @@ int XAxis::pixelPrecision() const {
     return m_pixelPrecision;
 }
 
+std::optional<double> XAxis::markNearPixel(double pixel) const {
+    const XAxisTicks marks = ticks();
+    if (!marks)
+        return {};
+    std::size_t low = 0;
+    std::size_t high = marks->size();
+    while (high - low > 1) {
+        const std::size_t middle = (low + high) / 2;
+        const double distance = pixel - valueToPixel((*marks)[middle].value);
+        if (std::abs(distance) < 1)
+            return (*marks)[middle].value;
+        (distance < 0 ? high : low) = middle;
+    }
+    return {};
+}
+
 QString XAxis::humanReadableValue(double value) const {
     const double pixel = valueToPixel(value);
-    if (const XAxisTicks marks = ticks()) {
-        std::size_t low = 0;
-        std::size_t high = marks->size();
-        while (high - low > 1) {
-            const std::size_t middle = (low + high) / 2;
-            const double distance = pixel - valueToPixel((*marks)[middle].value);
-            if (std::abs(distance) < 1)
-                return numberText((*marks)[middle].value, pixelPrecision());
-            (distance < 0 ? high : low) = middle;
-        }
-    }
+    if (const std::optional<double> mark = markNearPixel(pixel))
+        return numberText(*mark, pixelPrecision());
     const double below = (pixel - 0.9) * m_pointsPerPixel + m_minValue;
     const double above = (pixel + 0.9) * m_pointsPerPixel + m_minValue;
     const double step = std::pow(10, std::round(std::log10(above - below)));

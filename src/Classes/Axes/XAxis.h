@@ -11,6 +11,7 @@
 #include <limits>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <span>
 
 /// A linear axis, and the base of all others. Pixel 0 is `minValue`, pixel `pixelLength` is `maxValue`;
@@ -81,6 +82,12 @@ class XAxis {
     double pointsPerPixel() const { return m_pointsPerPixel; } ///< units a pixel
     XAxisTicks cachedTicks() const;
     void cacheTicks(XAxisTicks ticks) const;
+    void cacheColors(XAxisColorRanges colors) const;
+    /// For subclasses with a mapping of their own; neither resets the caches.
+    void storeRange(double min, double max);
+    void setPixelsPerPoint(double pixelsPerUnit) { m_pixelsPerPoint = pixelsPerUnit; }
+    /// The value of a mark, of any level, less than a pixel away.
+    std::optional<double> markNearPixel(double pixel) const;
 
   private:
     static constexpr int notComputed = std::numeric_limits<int>::min();

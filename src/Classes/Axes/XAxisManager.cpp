@@ -2,6 +2,7 @@
 
 #include "Classes/Axes/XAxis.h"
 #include "Classes/Axes/XEmptyAxis.h"
+#include "Classes/Axes/XPseudoLogAxis.h"
 
 #include <algorithm>
 
@@ -18,8 +19,8 @@ std::unique_ptr<XAxis> make() {
 // the same, so that a document that uses them is saved as it was.
 XAxisManager::XAxisManager()
     : m_axisTypes{{QStringLiteral("numeric"), QStringLiteral("Numeric"), make<XAxis>},
-                  {QStringLiteral("log"), QStringLiteral("Logarithmic"), make<XAxis>},
-                  {QStringLiteral("pseudolog"), QStringLiteral("Pseudo log"), make<XAxis>},
+                  {QStringLiteral("log"), QStringLiteral("Logarithmic"), make<XLogAxis>},
+                  {QStringLiteral("pseudolog"), QStringLiteral("Pseudo log"), make<XPseudoLogAxis>},
                   {QStringLiteral("timeline"), QStringLiteral("Timeline"), make<XAxis>},
                   {QStringLiteral("zen"), QStringLiteral("No ticks"), make<XEmptyAxis>}} {}
 
