@@ -1,6 +1,5 @@
 // The main function of every test executable: offscreen, with user defaults in memory, and no warning
 // overlooked.
-#include "Platform/Core/MainThread.h"
 #include "Platform/Core/UserDefaults.h"
 #include "support/TestSupport.h"
 
@@ -21,8 +20,10 @@ int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
-    const MainThreadLoop mainThreadLoop;
+    support::mainThreadLoop().emplace();
     support::installTestHandlers();
     testing::UnitTest::GetInstance()->listeners().Append(new FreshUserDefaults);
-    return RUN_ALL_TESTS();
+    const int failed = RUN_ALL_TESTS();
+    support::mainThreadLoop().reset();
+    return failed;
 }

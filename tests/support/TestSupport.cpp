@@ -1,8 +1,6 @@
 // The message handler and the assertion reporter behind the fixtures.
 #include "support/TestSupport.h"
 
-#include "Platform/Core/MainThread.h"
-
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -141,6 +139,11 @@ QByteArray ScratchFolder::read(const QString& path) {
 QStringList ScratchFolder::fileNames() const {
     return QDir(m_folder.path())
         .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot, QDir::Name);
+}
+
+std::optional<MainThreadLoop>& mainThreadLoop() {
+    static std::optional<MainThreadLoop> loop;
+    return loop;
 }
 
 bool waitUntil(const std::function<bool()>& done, int seconds) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Core/Assertions.h"
+#include "Platform/Core/MainThread.h"
 
 #include <QByteArray>
 #include <QString>
@@ -10,6 +11,7 @@
 #include <QTemporaryDir>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -72,6 +74,9 @@ class ScratchFolder {
 /// Runs the event loop until `done()` holds, at most `seconds`; the test fails when the time is over. Unlike
 /// `MainThread::runUntil` it cannot hang a broken build.
 [[nodiscard]] bool waitUntil(const std::function<bool()>& done, int seconds = 20);
+
+/// The loop of every test; a test of shutting down ends it and puts a new one in its place.
+std::optional<MainThreadLoop>& mainThreadLoop();
 
 /// For the test's main function alone.
 void installTestHandlers();
