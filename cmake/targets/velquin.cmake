@@ -1,5 +1,5 @@
 # velquin: the program.
-if(TARGET velquin_shell)
+if(TARGET velquin_shell AND EXISTS ${CMAKE_SOURCE_DIR}/src/Classes/GraphViewController/DocumentPicture.h)
 add_executable(velquin
   src/BatchRun.cpp
   src/CommandLine.cpp
