@@ -157,6 +157,13 @@ std::span<const double> XPTableData::column(std::uint64_t index) const {
                              : std::span(values, std::min(rowsNumber(), m_rowsFilled));
 }
 
+std::span<double> XPTableData::writableColumn(std::uint64_t index) {
+    m_summariesHold = false;
+    if (index >= m_columns.size())
+        return {};
+    return {m_columns[index].get(), std::min(rowsNumber(), m_rowsFilled)};
+}
+
 XValueRange XPTableData::getRangeOfColumnIndexWithValidValuesInRange(std::int32_t number,
                                                                      XValueRange validRange) const {
     if (number <= 0)

@@ -53,6 +53,9 @@ class XPTableData {
     const double* getColumnDataOfIndex(std::uint64_t index) const;
     /// The same with its length: empty for a bad index, and never longer than the storage.
     std::span<const double> column(std::uint64_t index) const;
+    /// The same, for a producer that writes its rows in any order or from several threads at once, after it has written
+    /// the last row. Forgets the ranges.
+    std::span<double> writableColumn(std::uint64_t index);
 
     /// Least and greatest finite value of a column within `validRange`; a bound that is not finite is open.
     /// `number` is 1-based; 0 or less is the row number: {0, rowsNumber - 1}. {NaN, NaN} when nothing is

@@ -1,0 +1,297 @@
+// The callbacks between the parser and the filters and the calendar. A result is a double: the library itself
+// takes one without a fraction for an integer.
+#include "Classes/ExpressionEvaluator/EvaluatorFunctions.h"
+
+#include "Core/CalendarFields.h"
+#include "Core/SignalFilters.h"
+
+#include <muparserx/mpParser.h>
+
+#include <chrono>
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <vector>
+
+namespace {
+
+constexpr double missing = std::numeric_limits<double>::quiet_NaN();
+constexpr int anyNumber = -1; // of arguments
+
+class Arguments {
+  public:
+    Arguments(const mup::ptr_val_type* values, int count) : m_values(values), m_count(count) {}
+
+    int count() const { return m_count; }
+    double number(int index) const { return m_values[index]->GetFloat(); }
+    /// The library's error for a value that is not whole.
+    std::int64_t whole(int index) const { return m_values[index]->GetInteger(); }
+
+  private:
+    const mup::ptr_val_type* m_values;
+    int m_count;
+};
+
+/// What the callbacks share. `Derived` has `name`, `argumentCount`, `description` and `value(arguments)`; a
+/// clone copies its state. All arguments are read before the result is written: the library uses the first
+/// one's place for it.
+template <class Derived>
+class EvaluatorFunction : public mup::ICallback {
+  public:
+    EvaluatorFunction() : ICallback(mup::cmFUNC, Derived::name, Derived::argumentCount) {}
+
+    void Eval(mup::ptr_val_type& result, const mup::ptr_val_type* arguments, int count) final {
+        *result = static_cast<Derived&>(*this).value(Arguments(arguments, count));
+    }
+    const mup::char_type* GetDesc() const final { return Derived::description; }
+    mup::IToken* Clone() const final {
+        return new Derived(static_cast<const Derived&>(*this));
+    } // NOLINT: the library's
+};
+
+class FN_Mean final : public EvaluatorFunction<FN_Mean> {
+  public:
+    static constexpr auto name = "mean";
+    static constexpr int argumentCount = 2;
+    static constexpr auto description = "Moving average";
+
+    /// The size is that of the first row.
+    double value(const Arguments& arguments) {
+        if (!m_average) {
+            const std::int64_t size = arguments.whole(1);
+            if (size < 1 || size > std::int64_t{MovingAverage::greatestSize})
+                throw mup::ParserError("incorrect moving average size");
+            m_average.emplace(static_cast<std::size_t>(size));
+        }
+        return m_average->push(arguments.number(0));
+    }
+
+  private:
+    std::optional<MovingAverage> m_average;
+};
+
+class FN_Delta final : public EvaluatorFunction<FN_Delta> {
+  public:
+    static constexpr auto name = "delta";
+    static constexpr int argumentCount = 1;
+    static constexpr auto description = "Delta, y = x[n] - x[n-1]";
+
+    double value(const Arguments& arguments) { return m_difference.push(arguments.number(0)); }
+
+  private:
+    Difference m_difference;
+};
+
+class FN_Integrate final : public EvaluatorFunction<FN_Integrate> {
+  public:
+    static constexpr auto name = "integrate";
+    static constexpr int argumentCount = 1;
+    static constexpr auto description = "Cumulative sum of values";
+
+    double value(const Arguments& arguments) { return m_sum.push(arguments.number(0)); }
+
+  private:
+    CumulativeSum m_sum;
+};
+
+class FN_LowPass final : public EvaluatorFunction<FN_LowPass> {
+  public:
+    static constexpr auto name = "lowpass";
+    static constexpr int argumentCount = 2;
+    static constexpr auto description = "Low-pass filter";
+
+    double value(const Arguments& arguments) {
+        return m_filter.push(arguments.number(0), arguments.number(1));
+    }
+
+  private:
+    LowPassFilter m_filter;
+};
+
+class FN_HighPass final : public EvaluatorFunction<FN_HighPass> {
+  public:
+    static constexpr auto name = "highpass";
+    static constexpr int argumentCount = 2;
+    static constexpr auto description = "High-pass filter";
+
+    double value(const Arguments& arguments) {
+        return m_filter.push(arguments.number(0), arguments.number(1));
+    }
+
+  private:
+    HighPassFilter m_filter;
+};
+
+class FN_percentile final : public EvaluatorFunction<FN_percentile> {
+  public:
+    static constexpr auto name = "percentile";
+    static constexpr int argumentCount = 3;
+    static constexpr auto description = "Moving percentile";
+
+    double value(const Arguments& arguments) {
+        return m_percentile.push(arguments.number(0), arguments.number(1), arguments.number(2));
+    }
+
+  private:
+    MovingPercentile m_percentile;
+};
+
+class FN_FIR_Filter final : public EvaluatorFunction<FN_FIR_Filter> {
+  public:
+    static constexpr auto name = "fir";
+    static constexpr int argumentCount = anyNumber;
+    static constexpr auto description = "Finite impulse response (FIR) filter";
+
+    double value(const Arguments& arguments) {
+        if (arguments.count() < 2)
+            return missing;
+        m_coefficients.clear();
+        for (int i = 1; i < arguments.count(); ++i)
+            m_coefficients.push_back(arguments.number(i));
+        return m_filter.push(arguments.number(0), m_coefficients);
+    }
+
+  private:
+    FirFilter m_filter;
+    std::vector<double> m_coefficients; // of this row; kept for its storage
+};
+
+class FN_mod final : public EvaluatorFunction<FN_mod> {
+  public:
+    static constexpr auto name = "mod";
+    static constexpr int argumentCount = 2;
+    static constexpr auto description = "Modulo operation";
+
+    static double value(const Arguments& arguments) {
+        return std::fmod(arguments.number(0), arguments.number(1));
+    }
+};
+
+class FN_CurrentTime final : public EvaluatorFunction<FN_CurrentTime> {
+  public:
+    static constexpr auto name = "time";
+    static constexpr int argumentCount = 0;
+    static constexpr auto description = "Returns current system time";
+
+    /// Kept: seconds since the evaluation was set up, whatever the description says.
+    double value(const Arguments&) const { return now() - m_creationTime; }
+
+  private:
+    static double now() {
+        using std::chrono::microseconds;
+        const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
+        return static_cast<double>(std::chrono::duration_cast<microseconds>(sinceEpoch).count()) / 1'000'000;
+    }
+
+    double m_creationTime = now();
+};
+
+/// One field of a timestamp in local time. `Derived` has `field(fields)`.
+template <class Derived>
+class CalendarFunction : public EvaluatorFunction<Derived> {
+  public:
+    static constexpr int argumentCount = 1;
+
+    static double value(const Arguments& arguments) {
+        const auto fields = calendarFieldsOf(arguments.number(0));
+        return fields ? static_cast<double>(Derived::field(*fields)) : missing;
+    }
+};
+
+class FN_year final : public CalendarFunction<FN_year> {
+  public:
+    static constexpr auto name = "year";
+    static constexpr auto description = "Returns year of given timestamp";
+    static auto field(const CalendarFields& fields) { return fields.year; }
+};
+
+class FN_month final : public CalendarFunction<FN_month> {
+  public:
+    static constexpr auto name = "month";
+    static constexpr auto description = "Returns month of given timestamp (1...12)";
+    static auto field(const CalendarFields& fields) { return fields.month; }
+};
+
+class FN_dayofmonth final : public CalendarFunction<FN_dayofmonth> {
+  public:
+    static constexpr auto name = "dayofmonth";
+    static constexpr auto description = "Returns day of month of given timestamp (1...31)";
+    static auto field(const CalendarFields& fields) { return fields.dayOfMonth; }
+};
+
+class FN_hour final : public CalendarFunction<FN_hour> {
+  public:
+    static constexpr auto name = "hour";
+    static constexpr auto description = "Returns hour component of given timestamp (0...23)";
+    static auto field(const CalendarFields& fields) { return fields.hour; }
+};
+
+class FN_minute final : public CalendarFunction<FN_minute> {
+  public:
+    static constexpr auto name = "minute";
+    static constexpr auto description = "Returns minute component of given timestamp (0...59)";
+    static auto field(const CalendarFields& fields) { return fields.minute; }
+};
+
+class FN_second final : public CalendarFunction<FN_second> {
+  public:
+    static constexpr auto name = "second";
+    static constexpr auto description = "Returns seconds of given timestamp (0...59)";
+    static auto field(const CalendarFields& fields) { return fields.second; }
+};
+
+class FN_dayofweek final : public CalendarFunction<FN_dayofweek> {
+  public:
+    static constexpr auto name = "dayofweek";
+    static constexpr auto description =
+        "Returns day of week component of given timestamp (1...7, (Mon...Sun))";
+    static auto field(const CalendarFields& fields) { return fields.dayOfWeek; }
+};
+
+class FN_dayofyear final : public CalendarFunction<FN_dayofyear> {
+  public:
+    static constexpr auto name = "dayofyear";
+    static constexpr auto description = "Returns day of year of given timestamp (1...366)";
+    static auto field(const CalendarFields& fields) { return fields.dayOfYear; }
+};
+
+class FN_mktimestamp final : public EvaluatorFunction<FN_mktimestamp> {
+  public:
+    static constexpr auto name = "mktimestamp";
+    static constexpr int argumentCount = 6;
+    static constexpr auto description = "Returns timestamp for given year, month, day, hour, minute, second";
+
+    /// A gap in the data is a gap in the result; a number that is not whole is the library's error.
+    static double value(const Arguments& arguments) {
+        int fields[5];
+        for (int i = 0; i < 6; ++i) {
+            if (std::isnan(arguments.number(i)))
+                return missing;
+        }
+        for (int i = 0; i < 5; ++i) {
+            const std::int64_t field = arguments.whole(i);
+            fields[i] = static_cast<int>(field);
+            if (fields[i] != field)
+                return missing;
+        }
+        return timestampOf({.year = fields[0],
+                            .month = fields[1],
+                            .dayOfMonth = fields[2],
+                            .hour = fields[3],
+                            .minute = fields[4]},
+                           arguments.number(5), currentLocalTime());
+    }
+};
+
+template <class... Functions>
+void define(mup::ParserX& parser) {
+    (parser.DefineFun(mup::ptr_cal_type(new Functions)), ...); // NOLINT: the library owns them
+}
+
+} // namespace
+
+void defineEvaluatorFunctions(mup::ParserX& parser) {
+    define<FN_Mean, FN_Delta, FN_Integrate, FN_mod, FN_CurrentTime, FN_LowPass, FN_HighPass, FN_FIR_Filter,
+           FN_year, FN_month, FN_dayofmonth, FN_hour, FN_minute, FN_second, FN_dayofweek, FN_dayofyear,
+           FN_mktimestamp, FN_percentile>(parser);
+}

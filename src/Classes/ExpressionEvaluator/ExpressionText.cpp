@@ -1,0 +1,91 @@
+// Replaces column names and scans for variables and functions.
+#include "Classes/ExpressionEvaluator/ExpressionText.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+namespace {
+
+/// In these a row's value depends on the rows before it, or on the moment (time).
+constexpr std::array<std::string_view, 8> orderedFunctions = {"mean",     "delta", "integrate",  "lowpass",
+                                                              "highpass", "fir",   "percentile", "time"};
+
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+bool isNameCharacter(char c) {
+    return isDigit(c) || c == '_' || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
+/// The column, from 0, of a variable name with no leading zero.
+std::optional<std::uint64_t> columnOfVariable(std::string_view name, std::uint64_t columnsNumber) {
+    if (name.size() < 2 || name[0] != 'c' || name[1] == '0')
+        return {};
+    std::uint64_t number = 0;
+    const auto [end, error] = std::from_chars(name.data() + 1, name.data() + name.size(), number);
+    const bool isNumber = error == std::errc() && end == name.data() + name.size();
+    if (!isNumber || number > std::min(columnsNumber, expressionText::greatestColumnNumber))
+        return {};
+    return number - 1;
+}
+
+/// Every place that can be a column variable, also inside of other words: one too many does no harm.
+std::vector<std::uint64_t> columnsIn(std::string_view text, std::uint64_t columnsNumber) {
+    std::vector<std::uint64_t> columns;
+    for (std::size_t start = text.find('c'); start < text.size(); start = text.find('c', start + 1)) {
+        const auto* const end = std::find_if_not(text.begin() + start + 1, text.end(), isDigit);
+        const auto length = static_cast<std::size_t>(end - (text.begin() + start));
+        if (const auto column = columnOfVariable(text.substr(start, length), columnsNumber))
+            columns.push_back(*column);
+    }
+    std::sort(columns.begin(), columns.end());
+    columns.erase(std::unique(columns.begin(), columns.end()), columns.end());
+    return columns;
+}
+
+bool dependsOnRowOrder(std::string_view text) {
+    for (const auto* word = text.begin(); word != text.end();) {
+        const auto* const end = std::find_if_not(word, text.end(), isNameCharacter);
+        const std::string_view name(word, static_cast<std::size_t>(end - word));
+        if (std::find(orderedFunctions.begin(), orderedFunctions.end(), name) != orderedFunctions.end())
+            return true;
+        word = end == text.end() ? end : std::max(end, word + 1);
+    }
+    return false;
+}
+
+std::string_view trimmed(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(' ');
+    return first == std::string_view::npos ? std::string_view()
+                                           : text.substr(first, text.find_last_not_of(' ') + 1 - first);
+}
+
+} // namespace
+
+QString expressionText::withColumnVariables(QString text, std::span<const std::string> columnNames,
+                                            const std::stop_token& stop) {
+    constexpr QChar quote(u'"');
+    for (std::size_t i = 0; i < columnNames.size(); ++i) {
+        // Many columns and few names in the text are the rule.
+        const qsizetype first = text.indexOf(quote);
+        if (first < 0 || text.lastIndexOf(quote) == first || stop.stop_requested())
+            break;
+        text.replace(quote + QString::fromStdString(columnNames[i]) + quote,
+                     QLatin1Char('c') + QString::number(i + 1), Qt::CaseInsensitive);
+    }
+    return text;
+}
+
+std::optional<PreparedExpression> expressionText::prepare(const QString& text, std::uint64_t columnsNumber) {
+    if (!std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 128; }))
+        return {};
+    PreparedExpression prepared;
+    prepared.text = text.toStdString();
+    prepared.columns = columnsIn(prepared.text, columnsNumber);
+    prepared.usesRow = prepared.text.find("row") != std::string::npos;
+    prepared.dependsOnRowOrder = dependsOnRowOrder(prepared.text);
+    prepared.bareColumn = columnOfVariable(trimmed(prepared.text), columnsNumber);
+    return prepared;
+}
