@@ -154,7 +154,7 @@ TEST(XPDataReader, MakesTablesOfTexts) {
                     "2\0\n\0",
                     10),
          {1},
-         ": nan nan; nan nan;"},
+         ": 1 nan; nan nan;"},
     };
     for (const auto& row : rows)
         EXPECT_EQ(textOf(readAll(bufferOf(row.text), row.settings).table.get()), row.expected) << row.name;
