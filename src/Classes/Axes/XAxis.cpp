@@ -142,6 +142,10 @@ void XAxis::cacheColors(XAxisColorRanges colors) const {
     m_colors = std::move(colors);
 }
 
+int XAxis::labelLines() const {
+    return 1;
+}
+
 int XAxis::tickPrecision() const {
     if (m_tickPrecision == notComputed) {
         const XAxisTicks marks = cachedTicks(); // as they stand: asking for a precision makes no marks

@@ -51,6 +51,7 @@ class XAxis {
     /// Ascending; the first may lie before the range and the last behind it. Null: no marks at all.
     virtual XAxisTicks ticks() const;
     virtual XAxisColorRanges colors() const; ///< ascending; null: none
+    virtual int labelLines() const;          ///< lines of text in a label; 0: it shows none
     /// Powers of ten of the last digit worth showing: between the present marks, and of one pixel. 0 for a
     /// range without a logarithm. Kept: 0, too, on an axis whose range and length were never set.
     int tickPrecision() const;

@@ -7,3 +7,7 @@ std::unique_ptr<XAxis> XEmptyAxis::copy() const {
 XAxisTicks XEmptyAxis::ticks() const {
     return nullptr;
 }
+
+int XEmptyAxis::labelLines() const {
+    return 0;
+}

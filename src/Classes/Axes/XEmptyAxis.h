@@ -10,6 +10,7 @@ class XEmptyAxis : public XAxis {
 
     std::unique_ptr<XAxis> copy() const override;
     XAxisTicks ticks() const override; ///< always null
+    int labelLines() const override;
 
   protected:
     XEmptyAxis(const XEmptyAxis&) = default;

@@ -1,0 +1,122 @@
+// Everything a plot view shows and knows, without a widget: axes, curves, options, drawing and the render
+// queue.
+#pragma once
+
+#include "Classes/PlotModel/XCurve.h"
+#include "Classes/PlotView/PlotDrawing.h"
+#include "Classes/PlotView/PlotLayout.h"
+#include "Classes/PlotView/PlotStyles.h"
+#include "Platform/Core/NotificationCenter.h"
+#include "Platform/Core/OperationQueue.h"
+
+#include <QList>
+#include <QPointF>
+#include <QSizeF>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <vector>
+
+class PlotCanvas;
+
+/// What the owner of a plot sets; whoever changes it asks for a redraw. A title that is drawn elsewhere is
+/// left absent here. A limit that is not finite follows the data.
+struct PlotOptions {
+    PlotDrawing::Titles titles;
+    double axisMinX = 0;
+    double axisMaxX = 0;
+    double axisMinY = 0;
+    double axisMaxY = 0;
+    bool showOriginX = false;
+    bool showOriginY = false;
+    bool showHorizontalLines = false;
+    bool showVerticalLines = false;
+    bool showLegend = false;
+    bool stickyRuler = false;
+    bool dimGrid = false; ///< hides grid and origin lines
+};
+
+/// Main thread. Curves are drawn from images that render tasks make in the background: an image that is
+/// missing or was made for other axes has a task queued by the next drawing, and meanwhile the old one is
+/// shown, stretched onto the present axes.
+class PlotScene {
+  public:
+    /// How curves reach the canvas.
+    enum class CurveOutput { Images, Vector };
+
+    /// `setNeedsDisplay` is called whenever what is shown has changed.
+    explicit PlotScene(std::function<void()> setNeedsDisplay = {});
+    ~PlotScene();
+    PlotScene(const PlotScene&) = delete;
+    PlotScene& operator=(const PlotScene&) = delete;
+
+    PlotOptions options;
+    /// Whether the axes follow the data; an edit of their ranges by the user ends that.
+    bool autoFitToData = true;
+
+    const XAxisHandle& axisX() const { return m_axisX; }
+    const XAxisHandle& axisY() const { return m_axisY; }
+    /// The new axis takes over the old one's range; all images are discarded.
+    void setAxisX(XAxisHandle axis) { replaceAxis(m_axisX, std::move(axis)); }
+    void setAxisY(XAxisHandle axis) { replaceAxis(m_axisY, std::move(axis)); }
+
+    const QList<XCurveHandle>& curves() const { return m_curves; }
+    void setCurves(QList<XCurveHandle> curves);
+    const PlotStyles& styles() const { return m_styles; }
+    void updateStyles(const QVariantMap& changes);
+
+    void setBounds(QSizeF bounds); ///< points
+    void setDevicePixelRatio(double ratio);
+    /// How long a render task waits for a newer one that replaces it.
+    void setRenderGrace(std::chrono::milliseconds grace) { m_renderGrace = grace; }
+
+    /// Lays out for the present bounds and gives the axes their lengths.
+    const PlotLayout& calculateMargins();
+    const PlotLayout& layout() const { return m_layout; }
+
+    /// Ranges around the visible curves' data, with a visible margin; turns `autoFitToData` on.
+    void fitToData();
+    void discardPrerenderedImages();
+    /// Whether no render task is listed.
+    bool isIdle() const { return m_renderTasksQueue.isIdle(); }
+    /// Lays out and queues a task for every visible curve whose image is missing or stale; false if there was
+    /// one.
+    bool requestRenderings();
+
+    void draw(PlotCanvas& canvas, const QRectF& dirtyRect, CurveOutput output = CurveOutput::Images);
+    /// Draws the images there are and queues tasks for those that are missing or stale.
+    void renderData(PlotCanvas& canvas, CurveOutput output);
+    /// Returns whether the image is up to date.
+    bool drawPrerenderedImageOfCurve(PlotCanvas& canvas, const XCurve& curve) const;
+    void addRenderTaskForCurve(const XCurveHandle& curve);
+    void drawQuickHelp(PlotCanvas& canvas) const; ///< draws nothing
+    void drawLegend(PlotCanvas& canvas) const;    ///< draws nothing: the legend is a view of its own
+
+    /// A data point in view coordinates.
+    QPointF getViewCoordinatesForData(QPointF data) const;
+
+  private:
+    void replaceAxis(XAxisHandle& place, XAxisHandle axis);
+    void observeValueForKeyPath(const KeyChange& change);
+    void dataSourceUpdated();
+    void setNeedsDisplay() const;
+    bool isCurrent(const XCurve& curve, const RenderedCurve& rendering) const;
+    void drawCurveAsVector(PlotCanvas& canvas, const XCurve& curve) const;
+    void drawGrid(PlotCanvas& canvas) const;
+
+    XAxisHandle m_axisX;
+    XAxisHandle m_axisY;
+    QList<XCurveHandle> m_curves;
+    std::vector<Observation> m_curveObservations;
+    PlotStyles m_styles;
+    FontTextMeasure m_measure;
+    PlotLayout m_layout;
+    QSizeF m_bounds;
+    double m_devicePixelRatio = 1;
+    std::chrono::milliseconds m_renderGrace{100};
+    NotificationCenter::Registration m_updateRegistration;
+    /// Render tasks hold it weakly: what they announce after the scene went reaches nobody.
+    std::shared_ptr<const std::function<void()>> m_setNeedsDisplay;
+    OperationQueue m_renderTasksQueue; ///< last: its end waits for tasks that use the rest
+};
