@@ -144,7 +144,7 @@ std::variant<std::unique_ptr<MoxDocument>, RequestFailure> openRequested(const Q
         if (changesTheSource(line))
             applySourceOptions(*document, line);
     } else {
-        document->addDatasourceWithSettings(XPTextFile::identifier(), textFileSettings(file, line));
+        document->addDatasourceWithSettings(QLatin1String(XPTextFile::identifier), textFileSettings(file, line));
     }
     if (asksForHeaderOfNumbers(*document, line))
         return RequestFailure{file, u"--header does not go with --delimiter numbers"_qs, true};

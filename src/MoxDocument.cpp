@@ -76,18 +76,18 @@ XDataSource MoxDocument::addDatasourceWithSettings(const QString& identifier, co
 }
 
 void MoxDocument::addTextFileDatasource() {
-    addDatasourceOfType(XPTextFile::identifier());
+    addDatasourceOfType(QLatin1String(XPTextFile::identifier));
 }
 void MoxDocument::addTextEditorDatasource() {
-    addDatasourceOfType(XPTextEditor::identifier());
+    addDatasourceOfType(QLatin1String(XPTextEditor::identifier));
 }
 
 void MoxDocument::fileDropped(const QString& path) {
-    addDatasourceWithSettings(XPTextFile::identifier(), {{u"Filename"_qs, path}});
+    addDatasourceWithSettings(QLatin1String(XPTextFile::identifier), {{u"Filename"_qs, path}});
 }
 
 void MoxDocument::textDropped(const QString& text) {
-    addDatasourceWithSettings(XPTextEditor::identifier(), {{u"Text"_qs, text}});
+    addDatasourceWithSettings(QLatin1String(XPTextEditor::identifier), {{u"Text"_qs, text}});
 }
 
 void MoxDocument::pasteText(const QString& text) {
@@ -194,7 +194,7 @@ RgbaColor MoxDocument::findBestColor() const {
     std::vector<RgbaColor> colors;
     for (const XCurveHandle& curve : curves())
         colors.push_back(curve->color());
-    return newCurveColor(colors);
+    return ::findBestColor(colors);
 }
 
 // --- Change tracking

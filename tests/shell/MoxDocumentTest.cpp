@@ -25,7 +25,7 @@ class MoxDocumentTest : public testing::Test {
 
     MoxDocument& document() { return *m_document; }
     XDataSource addText(const QString& text) {
-        return document().addDatasourceWithSettings(XPTextEditor::identifier(), {{u"Text"_qs, text}});
+        return document().addDatasourceWithSettings(QLatin1String(XPTextEditor::identifier), {{u"Text"_qs, text}});
     }
     /// Ends the event-loop turn, so that the next change is an undo step of its own.
     void nextTurn() { document().undoManager().closeTurnGroup(); }
@@ -178,7 +178,7 @@ TEST_F(MoxDocumentTest, structuralEditsAreUndoneAndRedone) {
 
 TEST_F(MoxDocumentTest, undoRestoresAbsenceAndSourceSettings) {
     const auto source = std::dynamic_pointer_cast<XPTextFile>(
-        document().addDatasourceWithSettings(XPTextFile::identifier(), {{u"Filename"_qs, u""_qs}}));
+        document().addDatasourceWithSettings(QLatin1String(XPTextFile::identifier), {{u"Filename"_qs, u""_qs}}));
     const XCurveHandle curve = document().addNewCurve();
     nextTurn();
     curve->setX_data_expression(u"row"_qs);
