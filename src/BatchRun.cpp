@@ -42,11 +42,15 @@ Failure writeValues(const MoxDocument& document, const QString& output) {
                      }));
 }
 
-Failure writeSnapshot(MoxDocument& document, const CommandLine& line, const QString& output) {
+Failure writeSnapshot(const MoxDocument& document, const CommandLine& line, const QString& output) {
     const PictureSize size{line.width, line.height, line.scale};
-    return failureOf(output, writeOutput(output, [&](QIODevice& device) {
-                         return writeDocumentPicture(device, pictureFormatOfPath(output), document, size);
-                     }));
+    const PictureFormat format = pictureFormatOfPath(output).value_or(PictureFormat::Png);
+    std::optional<QString> reason;
+    const std::optional<QString> failed = writeOutput(output, [&](QIODevice& device) {
+        reason = writePicture(device, format, pictureOptionsOf(document), size);
+        return !reason;
+    });
+    return failureOf(output, failed && reason ? reason : failed);
 }
 
 Failure writeDocument(MoxDocument& document, const QString& output) {

@@ -1,6 +1,6 @@
 // The program's start: command line, application object, then a batch run or windows.
 #include "BatchRun.h"
-#include "Classes/PlotView/PlotStyles.h"
+#include "Classes/PlotView/PlotText.h"
 #include "Classes/PluginsManager/XPluginsManager.h"
 #include "CommandLine.h"
 #include "Core/Assertions.h"
@@ -11,6 +11,7 @@
 #include "WindowRun.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QGuiApplication>
 
 #include <cstdio>
@@ -37,7 +38,7 @@ void setUpProgram() {
         qCWarning(velquinLog, "assertion: %s (%s:%d)", failure.what(), failure.sourcePath.c_str(),
                   failure.line);
     });
-    PlotStyles::installFontSubstitutions();
+    installFontSubstitutions();
     XPluginsManager::setFactories({std::make_shared<XPTextFileFactory>()});
 }
 

@@ -1,5 +1,4 @@
 # velquin: the program.
-if(TARGET velquin_shell AND EXISTS ${CMAKE_SOURCE_DIR}/src/Classes/GraphViewController/DocumentPicture.h)
 add_executable(velquin
   src/BatchRun.cpp
   src/CommandLine.cpp
@@ -11,4 +10,3 @@ add_executable(velquin
 set_target_properties(velquin PROPERTIES AUTOMOC ON)
 target_compile_definitions(velquin PRIVATE VELQUIN_VERSION="${PROJECT_VERSION}")
 target_link_libraries(velquin PRIVATE velquin_build_options velquin_shell)
-endif()

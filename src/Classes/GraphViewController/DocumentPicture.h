@@ -1,0 +1,9 @@
+// What a picture of a document's plot shows.
+#pragma once
+
+#include "Classes/PlotView/PlotPicture.h"
+
+class MoxDocument;
+
+/// The document's options and curves as they are now.
+PlotPictureOptions pictureOptionsOf(const MoxDocument& document);
