@@ -1,0 +1,44 @@
+// What the desktop wishes: dark windows or light ones, movement or none.
+#pragma once
+
+#include <QMap>
+#include <QObject>
+#include <QString>
+#include <QVariantMap>
+
+#include <optional>
+
+class QDBusPendingCallWatcher;
+class QDBusVariant;
+
+struct DesktopSettings {
+    std::optional<bool> prefersDark; ///< absent when the desktop does not say
+    bool animations = true;
+
+    bool operator==(const DesktopSettings&) const = default;
+
+    /// Settings by name space and key, as the desktop portal gives them; what is unknown changes nothing.
+    void take(const QString& nameSpace, const QString& key, const QVariant& value);
+};
+
+/// Asks the desktop portal on the session bus, and again whenever a setting changes. The answer comes from
+/// the event loop: nothing waits for a slow or absent bus.
+class DesktopSettingsWatcher : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit DesktopSettingsWatcher(QObject* parent = nullptr);
+
+    void start();
+
+  Q_SIGNALS:
+    void changed(const DesktopSettings& settings);
+
+  private Q_SLOTS:
+    void settingChanged(const QString& nameSpace, const QString& key, const QDBusVariant& value);
+
+  private:
+    void answered(QDBusPendingCallWatcher* call);
+
+    DesktopSettings m_settings;
+};
