@@ -15,6 +15,7 @@
 #include <QGuiApplication>
 
 #include <cstdio>
+#include <cstring>
 
 namespace {
 
@@ -32,6 +33,13 @@ void print(const QString& text) {
     std::fputs(text.toLocal8Bit().constData(), stdout);
 }
 
+/// Standard error holds one line on what failed; what the toolkit thinks of its surroundings is not part of it.
+void writeOwnMessages(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+    const bool isOwn = context.category != nullptr && std::strcmp(context.category, velquinLog().categoryName()) == 0;
+    if (isOwn || type == QtFatalMsg)
+        std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
+}
+
 /// What every run needs once there is an application object.
 void setUpProgram() {
     setAssertionReporter([](const AssertionFailure& failure) {
@@ -43,6 +51,7 @@ void setUpProgram() {
 }
 
 int runWithoutWindow(int argc, char** argv, const CommandLine& line) {
+    qInstallMessageHandler(writeOwnMessages);
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
     const MainThreadLoop mainThreadLoop;

@@ -141,7 +141,7 @@ TEST(Program, aSavedDocumentOpensWithTheSamePicture) {
     const ScratchFolder folder;
     folder.write(u"a.csv"_qs, smallTable);
     const Outcome first = velquin(
-        words("a.csv --delimiter comma --header --x 1 --y 2 --color #336699 --title Air --y-title deg "
+        words("a.csv --delimiter comma --header --x 1 --y 0 --color #336699 --title Air --y-title deg "
               "--x-range 0:40 --snapshot 1.png --save d.mox --size 400x300 --scale 1.5"),
         folder);
     ASSERT_EQ(first.exitCode, 0) << first.err.toStdString();
