@@ -5,6 +5,7 @@
 #include <QImage>
 #include <QLinearGradient>
 #include <QPainter>
+#include <QPainterPath>
 #include <QPen>
 #include <QStringList>
 
@@ -111,10 +112,18 @@ void PainterCanvas::gradient(const QRectF& rect, const QGradientStops& stops, in
     m_painter.fillRect(area, ramp);
 }
 
-void PainterCanvas::textLine(QPointF baseline, const QString& text, QFont font) {
+void PainterCanvas::textLine(QPointF baseline, const QString& text, QFont font, const QColor& color) {
+    if (m_output == Output::Vector && font.letterSpacing() != 0) {
+        // Vector devices scale the letter spacing or lose it: such a text, a title, goes in as outlines.
+        QPainterPath outlines;
+        outlines.addText(baseline, font, text);
+        m_painter.fillPath(outlines, color);
+        return;
+    }
     // A vector file may be shown elsewhere: it names the family that was measured, not the one asked for.
     if (m_output == Output::Vector)
         font.setFamilies({QFontInfo(font).family()});
+    m_painter.setPen(color);
     m_painter.setFont(font);
     m_painter.drawText(baseline, text);
 }
@@ -130,16 +139,15 @@ void PainterCanvas::text(const QRectF& rect, const AttributedLabel& label, TextR
     const QStringList lines = label.text.left(raisedFrom).split(u'\n');
 
     m_painter.setRenderHint(QPainter::TextAntialiasing, true);
-    m_painter.setPen(color);
     double baseline = area.top() + std::round(metrics.ascent());
     for (qsizetype i = 0; i < lines.size(); ++i) {
         const bool carriesRaised = i + 1 == lines.size() && !raised.isEmpty();
         const double ownWidth = metrics.horizontalAdvance(lines[i]);
         const double raisedWidth = carriesRaised ? QFontMetricsF(smallFont).horizontalAdvance(raised) : 0;
         const QPointF start(area.left() + (area.width() - ownWidth - raisedWidth) / 2, baseline);
-        textLine(start, lines[i], font);
+        textLine(start, lines[i], font, color);
         if (carriesRaised)
-            textLine(start + QPointF(ownWidth, -std::round(metrics.ascent() / 3)), raised, smallFont);
+            textLine(start + QPointF(ownWidth, -std::round(metrics.ascent() / 3)), raised, smallFont, color);
         baseline += std::ceil(metrics.ascent() + metrics.descent());
     }
 }

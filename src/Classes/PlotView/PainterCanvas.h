@@ -34,7 +34,7 @@ class PainterCanvas : public PlotCanvas {
     QRectF snapped(const QRectF& rect) const; ///< edges of a painter rectangle on device pixels
     double hairlineWidth() const;             ///< in points
     void fill(const QRectF& painterRect, const QColor& color);
-    void textLine(QPointF baseline, const QString& text, QFont font);
+    void textLine(QPointF baseline, const QString& text, QFont font, const QColor& color);
 
     QPainter& m_painter;
     double m_height;

@@ -72,15 +72,16 @@ class BandWalk {
     std::size_t m_next = 0;
 };
 
-// Beside the plot: below its foot for the x axis, left of it for the y axis.
+// Beside the plot: below its foot for the x axis, left of it for the y axis; on whole points, with its middle
+// on the middle of the mark's grid line.
 QRectF labelRect(const AxisInView& view, double pixel, QSizeF size) {
+    const auto centered = [](double middle, double length) { return std::round(middle - length / 2); };
+    const double markMiddle = clampToInt(view.margin + pixel) + 0.5;
     const double outside = view.crossMargin + 5 - tick_height - tick_label_spacing;
     if (view.direction == Qt::Horizontal)
-        return {
-            QPointF(clampToInt(view.margin + pixel - size.width() / 2), clampToInt(outside - size.height())),
-            size};
+        return {QPointF(centered(markMiddle, size.width()), std::floor(outside - size.height())), size};
     const int middle = clampToInt(outside - size.width() / 2);
-    return {QPointF(middle - size.width() / 2, clampToInt(view.margin + pixel - size.height() / 2)), size};
+    return {QPointF(middle - size.width() / 2, centered(markMiddle, size.height())), size};
 }
 
 void drawLabels(PlotCanvas& canvas, const AxisInView& view, const XAxisColorRanges& bands,
