@@ -7,6 +7,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <utility>
 
 namespace {
@@ -27,33 +28,45 @@ std::uint64_t saturatedProduct(std::uint64_t a, std::uint64_t b) {
     return __builtin_mul_overflow(a, b, &product) ? std::numeric_limits<std::uint64_t>::max() : product;
 }
 
+/// Two doubles that the processor compares at once.
+using Pair = double __attribute__((vector_size(2 * sizeof(double))));
+
 /// Least and greatest of the values within [lowest, highest], both finite, so that NaN and the infinities
 /// drop out.
 XValueRange rangeOfValuesWithin(std::span<const double> values, double lowest, double highest) {
-    constexpr std::size_t lanes = 4; // independent minima, which the processor computes side by side
-    std::array<double, lanes> least;
-    std::array<double, lanes> greatest;
-    least.fill(infinity);
-    greatest.fill(-infinity);
-    const auto take = [&](std::size_t lane, double value) {
-        const bool kept = (value >= lowest) & (value <= highest);
-        const double low = kept ? value : infinity;
-        const double high = kept ? value : -infinity;
-        least[lane] = low < least[lane] ? low : least[lane];
-        greatest[lane] = high > greatest[lane] ? high : greatest[lane];
-    };
-    std::size_t i = 0;
-    for (; i + lanes <= values.size(); i += lanes) {
-        for (std::size_t lane = 0; lane < lanes; ++lane)
-            take(lane, values[i + lane]);
+    constexpr std::size_t chains = 4; // of comparisons that do not wait for each other
+    constexpr std::size_t stride = 2 * chains;
+    const Pair low = Pair{} + lowest;
+    const Pair high = Pair{} + highest;
+    const Pair none = Pair{} + infinity;
+    Pair least[chains] = {none, none, none, none};
+    Pair greatest[chains] = {-none, -none, -none, -none};
+    const std::size_t whole = values.size() - values.size() % stride;
+    for (std::size_t i = 0; i < whole; i += stride) {
+        for (std::size_t chain = 0; chain < chains; ++chain) {
+            Pair value;
+            std::memcpy(&value, values.data() + i + 2 * chain, sizeof value);
+            const auto kept = (value >= low) & (value <= high);
+            const Pair below = kept ? value : none;
+            const Pair above = kept ? value : -none;
+            least[chain] = below < least[chain] ? below : least[chain];
+            greatest[chain] = above > greatest[chain] ? above : greatest[chain];
+        }
     }
-    for (; i < values.size(); ++i)
-        take(0, values[i]);
-
-    const double minimum = *std::min_element(least.begin(), least.end());
-    if (minimum == infinity)
-        return {};
-    return {minimum, *std::max_element(greatest.begin(), greatest.end())};
+    XValueRange range{infinity, -infinity};
+    const auto take = [&range](double minimum, double maximum) {
+        range.minimum = std::min(range.minimum, minimum);
+        range.maximum = std::max(range.maximum, maximum);
+    };
+    for (std::size_t chain = 0; chain < chains; ++chain) {
+        for (std::size_t lane = 0; lane < 2; ++lane)
+            take(least[chain][lane], greatest[chain][lane]);
+    }
+    for (const double value : values.subspan(whole)) {
+        if (value >= lowest && value <= highest)
+            take(value, value);
+    }
+    return range.minimum == infinity ? XValueRange() : range;
 }
 
 } // namespace
