@@ -36,6 +36,7 @@ TEST(Evaluation, Values) {
         {"c2>15", {0, 1, 1}},
         {"c2>15 ? c1 : -1", {-1, 2.5, nan_}},
         {"c1=5", {5, 5, 5}},
+        {"eye(100)[1,1]+ones(100,100)[1,2]", {2, 2, 2}},
         {"c1 # a comment", {1, 2.5, nan_}},
     };
     for (const auto& row : rows)
@@ -82,7 +83,8 @@ TEST(Evaluation, ErrorsThatEndItAreReportedAndDeliverNothing) {
         {u"mean(c1,2.5)"_qs, "mean"},
         {u"\"a text\""_qs, "The result is a text, not a number."},
         {u"{1,2}"_qs, "The result is an array, not a number."},
-        {u"zeros(100000,100000)"_qs, "memory"},
+        {u"zeros(100000,100000)"_qs, "an array of more than 10000 elements"},
+        {u"eye(101)"_qs, "an array of more than 10000 elements"},
         {u"1+"_qs.repeated(5100) + u'1', "longer than 10000 characters"},
         {u"\"a\"+"_qs.repeated(250'000) + u'1', "longer than 100000 characters"},
         {QString::fromStdString(deep).chopped(1), "parenthesis"},
@@ -99,6 +101,7 @@ TEST(Evaluation, ErrorsThatEndItAreReportedAndDeliverNothing) {
         EXPECT_EQ(outcome.progress.back(), 100) << text;
     }
     EXPECT_EQ(valuesOf(evaluated(QString::fromStdString(deep), table)), Values(3, 1)) << "deep, but right";
+    EXPECT_TRUE(expressionErrors::describe(std::bad_alloc()).endsEvaluation);
 }
 
 TEST(Evaluation, OnlyTheFirstErrorDecides) {

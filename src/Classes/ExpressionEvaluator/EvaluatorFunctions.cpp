@@ -11,6 +11,7 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -283,6 +284,41 @@ class FN_mktimestamp final : public EvaluatorFunction<FN_mktimestamp> {
     }
 };
 
+/// A function of the library that makes an array, with a limit: one wrong number must not take all memory,
+/// nor keep a row busy for minutes, which nothing can cancel.
+class BoundedArray final : public mup::ICallback {
+  public:
+    /// With one argument it makes a column, or else a square.
+    BoundedArray(const mup::ptr_cal_type& original, bool isSquare)
+        : ICallback(mup::cmFUNC, original->GetIdent().c_str(), original->GetArgc()), m_original(original),
+          m_isSquare(isSquare) {}
+
+    void Eval(mup::ptr_val_type& result, const mup::ptr_val_type* arguments, int count) override {
+        constexpr double mostElements = 10'000;
+        const Arguments sizes(arguments, count);
+        double elements = 1;
+        for (int i = 0; i < count; ++i)
+            elements *= sizes.number(i);
+        if (elements > mostElements || (m_isSquare && count == 1 && elements * elements > mostElements))
+            throw mup::ParserError("an array of more than 10000 elements");
+        m_original->Eval(result, arguments, count);
+    }
+    const mup::char_type* GetDesc() const override { return m_original->GetDesc(); }
+    mup::IToken* Clone() const override { return new BoundedArray(*this); } // NOLINT: the library's
+
+  private:
+    mup::ptr_cal_type m_original; // without state
+    bool m_isSquare;
+};
+
+void limitArrays(mup::ParserX& parser) {
+    for (const char* name : {"zeros", "ones", "eye"}) {
+        const mup::ptr_cal_type original(parser.GetFunDef().at(name)->AsICallback());
+        parser.RemoveFun(name);
+        parser.DefineFun(mup::ptr_cal_type(new BoundedArray(original, std::string_view(name) == "eye")));
+    }
+}
+
 template <class... Functions>
 void define(mup::ParserX& parser) {
     (parser.DefineFun(mup::ptr_cal_type(new Functions)), ...); // NOLINT: the library owns them
@@ -294,4 +330,5 @@ void defineEvaluatorFunctions(mup::ParserX& parser) {
     define<FN_Mean, FN_Delta, FN_Integrate, FN_mod, FN_CurrentTime, FN_LowPass, FN_HighPass, FN_FIR_Filter,
            FN_year, FN_month, FN_dayofmonth, FN_hour, FN_minute, FN_second, FN_dayofweek, FN_dayofyear,
            FN_mktimestamp, FN_percentile>(parser);
+    limitArrays(parser);
 }

@@ -8,5 +8,5 @@ class ParserX;
 }
 
 /// Registers new function objects with `parser`. Each occurrence in an expression keeps its own state from
-/// row to row.
+/// row to row. Also puts a limit on the arrays that zeros, ones and eye make.
 void defineEvaluatorFunctions(mup::ParserX& parser);

@@ -6,7 +6,6 @@
 #include <muparserx/mpParser.h>
 
 #include <charconv>
-#include <memory>
 #include <new>
 #include <optional>
 #include <string_view>
@@ -50,8 +49,7 @@ std::string withoutTags(std::string_view message) {
 void expressionErrors::prepareLibrary() {
     // The library builds some of its tables at their first use: an erroneous expression touches them all.
     static const bool prepared = [] {
-        auto messages = std::make_unique<TaggedMessages>();
-        mup::ParserX::ResetErrorMessageProvider(messages.release()); // the library owns it
+        mup::ParserX::ResetErrorMessageProvider(new TaggedMessages); // NOLINT: the library owns it
         mup::ParserX parser(mup::pckALL_NON_COMPLEX);
         try {
             parser.SetExpr("1+");

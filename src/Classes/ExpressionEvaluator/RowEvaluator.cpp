@@ -65,7 +65,8 @@ ParserRowEvaluator::ParserRowEvaluator(const PreparedExpression& expression, con
         if (expression.usesRow)
             m_row = newVariable("row");
         for (const std::uint64_t column : expression.columns)
-            m_columns.push_back({newVariable("c" + std::to_string(column + 1)), table.column(column)});
+            m_columns.push_back(
+                {newVariable(std::string(1, 'c').append(std::to_string(column + 1))), table.column(column)});
         m_parser.DefineConst("nan", mup::Value(missing));
     } catch (mup::ParserError& error) {
         m_setUpError = expressionErrors::describe(error);
