@@ -86,7 +86,7 @@ TEST(Evaluation, ErrorsThatEndItAreReportedAndDeliverNothing) {
         {u"zeros(100000,100000)"_qs, "an array of more than 10000 elements"},
         {u"eye(101)"_qs, "an array of more than 10000 elements"},
         {u"1+"_qs.repeated(5100) + u'1', "longer than 10000 characters"},
-        {u"\"a\"+"_qs.repeated(250'000) + u'1', "longer than 100000 characters"},
+        {u"\"a\"+"_qs.repeated(250'000) + u'1', "longer than 20000 characters"},
         {QString::fromStdString(deep).chopped(1), "parenthesis"},
         {u"mktimestamp(c1,1.5,1,0,0,0)"_qs, "mktimestamp"},
     };

@@ -1,11 +1,16 @@
 // Replaces column names and scans for variables and functions.
 #include "Classes/ExpressionEvaluator/ExpressionText.h"
 
+#include <QSet>
+#include <QStringList>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
 
 namespace {
+
+constexpr QChar quote(u'"');
 
 /// In these a row's value depends on the rows before it, or on the moment (time).
 constexpr std::array<std::string_view, 8> orderedFunctions = {"mean",     "delta", "integrate",  "lowpass",
@@ -45,6 +50,15 @@ std::vector<std::uint64_t> columnsIn(std::string_view text, std::uint64_t column
     return columns;
 }
 
+/// Everything between two quotes that follow each other, in one case.
+QSet<QString> textsBetweenQuotes(const QString& text) {
+    QSet<QString> quoted;
+    const QStringList parts = text.split(quote);
+    for (qsizetype i = 1; i + 1 < parts.size(); ++i)
+        quoted.insert(parts[i].toCaseFolded());
+    return quoted;
+}
+
 bool dependsOnRowOrder(std::string_view text) {
     for (const auto* word = text.begin(); word != text.end();) {
         const auto* const end = std::find_if_not(word, text.end(), isNameCharacter);
@@ -66,14 +80,15 @@ std::string_view trimmed(std::string_view text) {
 
 QString expressionText::withColumnVariables(QString text, std::span<const std::string> columnNames,
                                             const std::stop_token& stop) {
-    constexpr QChar quote(u'"');
-    for (std::size_t i = 0; i < columnNames.size(); ++i) {
-        // Many columns and few names in the text are the rule.
-        const qsizetype first = text.indexOf(quote);
-        if (first < 0 || text.lastIndexOf(quote) == first || stop.stop_requested())
-            break;
-        text.replace(quote + QString::fromStdString(columnNames[i]) + quote,
-                     QLatin1Char('c') + QString::number(i + 1), Qt::CaseInsensitive);
+    // Many columns and few names in the text are the rule: what stands in quotes is looked up, not searched
+    // for.
+    QSet<QString> quoted = textsBetweenQuotes(text);
+    for (std::size_t i = 0; i < columnNames.size() && !quoted.isEmpty() && !stop.stop_requested(); ++i) {
+        const QString name = QString::fromStdString(columnNames[i]);
+        if (!name.contains(quote) && !quoted.contains(name.toCaseFolded()))
+            continue;
+        text.replace(quote + name + quote, QLatin1Char('c') + QString::number(i + 1), Qt::CaseInsensitive);
+        quoted = textsBetweenQuotes(text);
     }
     return text;
 }

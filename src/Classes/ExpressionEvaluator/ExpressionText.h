@@ -26,7 +26,7 @@ namespace expressionText {
 /// The greatest column number that a variable can have, as in c9999.
 constexpr std::uint64_t greatestColumnNumber = 9999;
 /// A text beyond this many characters is refused before its names are replaced.
-constexpr qsizetype longestText = 100'000;
+constexpr qsizetype longestText = 20'000;
 
 /// Replaces each column name between two quotes by its variable ("speed" by c2), name after name in the order
 /// of the columns, whatever the case. Ends early, with some names left, when `stop` is requested.
