@@ -1,6 +1,7 @@
 // Document in, outputs out: the batch mode.
 #include "BatchRun.h"
 
+#include "Classes/ExpressionEvaluator/XExpressionEvaluator.h"
 #include "Classes/GraphViewController/DocumentPicture.h"
 #include "CsvExport.h"
 #include "DocumentRequest.h"
@@ -85,6 +86,9 @@ Failure run(const CommandLine& line) {
     if (Failure failure = firstReadFailure(document))
         return failure;
     if (Failure failure = applyRequest(document, file, line))
+        return failure;
+    MainThread::runUntil([] { return XExpressionEvaluator::sharedInstance().isIdle(); });
+    if (Failure failure = firstEvaluationFailure(document, file))
         return failure;
     return writeOutputs(document, file, line);
 }

@@ -177,7 +177,8 @@ constexpr Option options[] = {
      [](Reading& r, const QString& o, const QString& text) {
          r.line.everyNthLine = integerBetween(o, text, 0, std::numeric_limits<int>::max());
      }},
-    {"", nullptr, "Curves (VALUE: a column number, 0 the row number, or a column name):", nullptr},
+    {"", nullptr,
+     "Curves (VALUE: a column number, 0 the row number, else a column name, else an expression):", nullptr},
     {"--x", "VALUE", "x of the curves after it; the row number if there is none",
      [](Reading& r, const QString&, const QString& text) { r.x = text; }},
     {"--y", "VALUE", "adds a curve",
@@ -199,6 +200,8 @@ constexpr Option options[] = {
      [](Reading& r, const QString& o, const QString& text) {
          r.lastCurve(o).shapeSize = integerBetween(o, text, 0, greatestWidthOrSize);
      }},
+    {"--point-size", "VALUE", "half the width of each point's shape",
+     [](Reading& r, const QString& o, const QString& text) { r.lastCurve(o).pointSize = text; }},
     {"--color", "#RRGGBB", "colour of line and points",
      [](Reading& r, const QString& o, const QString& text) { r.lastCurve(o).color = colorOf(text); }},
     {"--opacity", "A", "from 0.01 to 1",

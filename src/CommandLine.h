@@ -17,6 +17,7 @@ struct CurveRequest {
     std::optional<int> lineWidth;       ///< points, 0 for no line
     std::optional<int> shapeIdentifier; ///< of the points library
     std::optional<int> shapeSize;       ///< points, half the shape's width
+    std::optional<QString> pointSize;   ///< column number, column name or expression
     std::optional<RgbaColor> color;
     std::optional<float> opacity; ///< above 0, up to 1
     std::optional<QString> title;

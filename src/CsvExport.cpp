@@ -124,6 +124,10 @@ bool CsvExport::writeValues(QIODevice& device, const QList<CurveSnapshot>& curve
         header << u"x%1"_qs.arg(i + 1) << u"y%1"_qs.arg(i + 1);
         columns.push_back(curveCells(curve, curve.xUsesExpression, curve.xEvaluated, curve.xIndex));
         columns.push_back(curveCells(curve, curve.yUsesExpression, curve.yEvaluated, curve.yIndex));
+        if (curve.pointsizeUsesExpression && curve.pointsizeEvaluated) {
+            header << u"size%1"_qs.arg(i + 1);
+            columns.push_back({curve.pointsizeEvaluated->column(0), curve.rows()});
+        }
     }
     return writeCells(device, header, columns);
 }

@@ -16,6 +16,13 @@ namespace {
 
 constexpr qint64 bytesToRecognise = 512;
 constexpr int delimiterNumbers = 0;
+constexpr qsizetype longestQuotedExpression = 200;
+
+/// One line must stay one line, whatever was asked for.
+QString shortened(const QString& expression) {
+    const QString line = expression.simplified();
+    return line.size() <= longestQuotedExpression ? line : line.left(longestQuotedExpression) + u"…"_qs;
+}
 
 bool isDocument(const QString& path) {
     if (path.endsWith(u".mox"_qs, Qt::CaseInsensitive))
@@ -64,18 +71,30 @@ bool asksForHeaderOfNumbers(const MoxDocument& document, const CommandLine& line
     return line.header && file != nullptr && file->delimiterType() == delimiterNumbers;
 }
 
-/// The column that VALUE names: its number, else its exact name. The reason when there is none.
-std::variant<int, QString> columnOf(const QString& value, const QStringList& columnNames) {
+/// What VALUE stands for: a column by its number or its exact name, else an expression.
+struct Value {
+    std::optional<int> column = {};
+    QString expression = {};
+    std::optional<QString> fault = {}; ///< a column number beyond the columns
+};
+
+Value valueOf(const QString& text, const QStringList& columnNames) {
     bool isInteger = false;
-    const qlonglong number = value.toLongLong(&isInteger);
-    if (isInteger) {
-        if (number < 0 || number >= columnNames.size())
-            return u"there is no column %1, the last is %2"_qs.arg(number).arg(columnNames.size() - 1);
-        return static_cast<int>(number);
-    }
-    if (const qsizetype named = columnNames.indexOf(value); named >= 0)
-        return static_cast<int>(named);
-    return u"there is no column \"%1\""_qs.arg(value);
+    const qlonglong number = text.toLongLong(&isInteger);
+    if (isInteger && (number < 0 || number >= columnNames.size()))
+        return {.fault = u"there is no column %1, the last is %2"_qs.arg(number).arg(columnNames.size() - 1)};
+    if (isInteger)
+        return {.column = static_cast<int>(number)};
+    if (const qsizetype named = columnNames.indexOf(text); named >= 0)
+        return {.column = static_cast<int>(named)};
+    return {.expression = text};
+}
+
+/// Sizes come from expressions alone, so a column is written as one.
+QString sizeExpressionOf(const Value& value) {
+    if (!value.column)
+        return value.expression;
+    return *value.column == 0 ? u"row"_qs : u"c%1"_qs.arg(*value.column);
 }
 
 void dress(XCurve& curve, const CurveRequest& request) {
@@ -96,15 +115,27 @@ void dress(XCurve& curve, const CurveRequest& request) {
 /// Adds one curve; returns the reason when a column is missing.
 std::optional<QString> addCurve(MoxDocument& document, const CurveRequest& request,
                                 const QStringList& columnNames) {
-    const std::variant<int, QString> y = columnOf(request.y, columnNames);
-    const std::variant<int, QString> x = request.x ? columnOf(*request.x, columnNames) : 0;
-    for (const auto* column : {&y, &x}) {
-        if (const auto* reason = std::get_if<QString>(column))
-            return *reason;
+    const Value x = valueOf(request.x.value_or(u"0"_qs), columnNames);
+    const Value y = valueOf(request.y, columnNames);
+    const Value size = request.pointSize ? valueOf(*request.pointSize, columnNames) : Value{};
+    for (const Value* value : {&x, &y, &size}) {
+        if (value->fault)
+            return value->fault;
     }
     const XCurveHandle curve = document.addNewCurve();
-    curve->setX_data_index(std::get<int>(x));
-    curve->setY_data_index(std::get<int>(y));
+    const auto take = [&curve](const Value& value, auto setIndex, auto setExpression,
+                               auto setUsesExpression) {
+        if (value.column)
+            return ((*curve).*setIndex)(*value.column);
+        ((*curve).*setExpression)(value.expression);
+        ((*curve).*setUsesExpression)(true);
+    };
+    take(x, &XCurve::setX_data_index, &XCurve::setX_data_expression, &XCurve::setX_uses_expression);
+    take(y, &XCurve::setY_data_index, &XCurve::setY_data_expression, &XCurve::setY_uses_expression);
+    if (request.pointSize) {
+        curve->setPointsize_data_expression(sizeExpressionOf(size));
+        curve->setPointsize_uses_expression(true);
+    }
     dress(*curve, request);
     return std::nullopt;
 }
@@ -144,7 +175,8 @@ std::variant<std::unique_ptr<MoxDocument>, RequestFailure> openRequested(const Q
         if (changesTheSource(line))
             applySourceOptions(*document, line);
     } else {
-        document->addDatasourceWithSettings(QLatin1String(XPTextFile::identifier), textFileSettings(file, line));
+        document->addDatasourceWithSettings(QLatin1String(XPTextFile::identifier),
+                                            textFileSettings(file, line));
     }
     if (asksForHeaderOfNumbers(*document, line))
         return RequestFailure{file, u"--header does not go with --delimiter numbers"_qs, true};
@@ -160,6 +192,21 @@ std::optional<RequestFailure> firstReadFailure(const MoxDocument& document) {
         return RequestFailure{file != nullptr && !file->filename().isEmpty() ? file->filename()
                                                                              : source->title(),
                               source->readError()};
+    }
+    return std::nullopt;
+}
+
+std::optional<RequestFailure> firstEvaluationFailure(const MoxDocument& document, const QString& file) {
+    for (const XCurveHandle& curve : document.curves()) {
+        const std::pair<std::optional<QString>, QString> evaluations[] = {
+            {curve->x_data_expression(), curve->xExpressionError()},
+            {curve->y_data_expression(), curve->yExpressionError()},
+            {curve->pointsize_data_expression(), curve->pointsizeExpressionError()}};
+        for (const auto& [expression, error] : evaluations) {
+            if (!error.isEmpty())
+                return RequestFailure{
+                    file, u"expression \"%1\": %2"_qs.arg(shortened(expression.value_or(QString())), error)};
+        }
     }
     return std::nullopt;
 }

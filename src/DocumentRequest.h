@@ -27,6 +27,9 @@ std::variant<std::unique_ptr<MoxDocument>, RequestFailure> openRequested(const Q
 /// The first data source whose last read failed, or null.
 std::optional<RequestFailure> firstReadFailure(const MoxDocument& document);
 
+/// The first expression of a curve that delivered no result.
+std::optional<RequestFailure> firstEvaluationFailure(const MoxDocument& document, const QString& file);
+
 /// Adds the curves and sets the plot area; to be called when the data sources are read, since columns may be
 /// named.
 std::optional<RequestFailure> applyRequest(MoxDocument& document, const QString& file,

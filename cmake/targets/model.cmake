@@ -28,6 +28,7 @@ set(model_sources
   Classes/PlotModel/DocumentFile.cpp
   Classes/PlotModel/PlistValues.cpp
   Classes/PlotModel/XCurve.cpp
+  Classes/PlotModel/XCurveEvaluation.cpp
   Classes/PlotModel/XCurvePlist.cpp
   Classes/PlotView/XPointsLibrary.cpp
   Classes/ValueEncodings/ColorEncoding.cpp
@@ -37,5 +38,5 @@ if(TARGET velquin_reading AND TARGET velquin_axes AND model_sources)
   velquin_library(model
     HEADERS ${model_headers}
     SOURCES ${model_sources}
-    USES velquin_reading velquin_axes Qt6::Gui)
+    USES velquin_reading velquin_axes velquin_expression Qt6::Gui)
 endif()

@@ -2,6 +2,7 @@
 #include "Classes/PlotModel/XCurve.h"
 
 #include "Classes/Axes/XAxis.h"
+#include "Classes/ExpressionEvaluator/XExpressionEvaluator.h"
 #include "Classes/PlotView/XPointsLibrary.h"
 #include "Core/Assertions.h"
 #include "support/TableSource.h"
@@ -166,6 +167,81 @@ TEST(XCurve, ranges) {
     EXPECT_TRUE(std::isnan(curve->getRangeY().maximum)) << "a column that is not there";
     curve->setY_uses_expression(true);
     EXPECT_EQ(curve->getRangeY(), (XValueRange{-10, 10})) << "not evaluated yet";
+}
+
+// --- Evaluation
+
+bool evaluationsAreDone() {
+    return support::waitUntil([] { return XExpressionEvaluator::sharedInstance().isIdle(); });
+}
+
+std::vector<double> valuesOf(const XTable& table) {
+    const std::span<const double> column = table ? table->column(0) : std::span<const double>();
+    return {column.begin(), column.begin() + (table ? static_cast<std::ptrdiff_t>(table->rowsNumber()) : 0)};
+}
+
+XCurveHandle curveOver(const std::vector<std::vector<double>>& columns) {
+    const XCurveHandle curve = XCurve::make();
+    curve->setDataSource(std::make_shared<support::TableSource>(makeTable(columns)));
+    return curve;
+}
+
+TEST(XCurveEvaluation, oneResultServesAllThatShareTheText) {
+    const XCurveHandle curve = curveOver({{1, 2, 3}});
+    for (const char* key : {"x_data_expression", "y_data_expression"})
+        curve->setValueForKey(key, QVariant::fromValue(std::optional(u"c1*2"_qs)));
+    curve->setX_uses_expression(true);
+    curve->setY_uses_expression(true);
+    ASSERT_TRUE(evaluationsAreDone());
+    EXPECT_EQ(valuesOf(curve->x_evaluated_data()), (std::vector<double>{2, 4, 6}));
+    EXPECT_EQ(curve->x_evaluated_data(), curve->y_evaluated_data());
+    EXPECT_EQ(curve->xExpressionProgress(), 100);
+    EXPECT_EQ(curve->yExpressionProgress(), 0) << "kept: only the first shows the progress";
+    EXPECT_EQ(curve->getRangeY(), (XValueRange{2, 6}));
+    // x turns to another text while y still waits for the shared one
+    curve->dataSource()->setData(makeTable({{5}}));
+    curve->setX_data_expression(u"c1*3"_qs);
+    ASSERT_TRUE(evaluationsAreDone());
+    EXPECT_EQ(valuesOf(curve->y_evaluated_data()), std::vector<double>{10});
+    EXPECT_EQ(valuesOf(curve->x_evaluated_data()), std::vector<double>{15});
+}
+
+TEST(XCurveEvaluation, aFaultIsToldAndTheOldResultStays) {
+    const XCurveHandle curve = curveOver({{1, 2}});
+    curve->setY_data_expression(u"c1+1"_qs);
+    curve->setY_uses_expression(true);
+    ASSERT_TRUE(evaluationsAreDone());
+    curve->setY_data_expression(u"c1+"_qs);
+    ASSERT_TRUE(evaluationsAreDone());
+    EXPECT_FALSE(curve->yExpressionError().isEmpty());
+    EXPECT_EQ(valuesOf(curve->y_evaluated_data()), (std::vector<double>{2, 3}));
+    curve->setY_data_expression(u"c1-1"_qs);
+    ASSERT_TRUE(evaluationsAreDone());
+    EXPECT_EQ(curve->yExpressionError(), QString());
+    curve->setY_data_expression(u"c1+"_qs);
+    curve->setY_uses_expression(false);
+    ASSERT_TRUE(evaluationsAreDone());
+    EXPECT_EQ(curve->yExpressionError(), QString()) << "an expression that is switched off has no fault";
+}
+
+TEST(XCurveEvaluation, onlyTheNewestDataCount) {
+    const XCurveHandle curve = curveOver({{0}});
+    curve->setY_data_expression(u"c1"_qs);
+    curve->setY_uses_expression(true);
+    for (int i = 1; i <= 50; ++i)
+        curve->dataSource()->setData(makeTable({{static_cast<double>(i)}}));
+    ASSERT_TRUE(evaluationsAreDone());
+    EXPECT_EQ(valuesOf(curve->y_evaluated_data()), std::vector<double>{50});
+}
+
+TEST(XCurveEvaluation, aCurveMayDieMeanwhile) {
+    XCurveHandle curve = curveOver({std::vector<double>(200'000, 1.5)});
+    curve->setY_data_expression(u"sin(c1)"_qs);
+    curve->setY_uses_expression(true);
+    const std::weak_ptr<XCurve> weak = curve;
+    curve.reset();
+    EXPECT_TRUE(weak.expired());
+    EXPECT_TRUE(evaluationsAreDone());
 }
 
 TEST(XCurveRendering, aChangeDuringARenderingKeepsTheRequest) {

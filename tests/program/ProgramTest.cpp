@@ -130,6 +130,16 @@ TEST(Program, valuesFollowTheOrderOfXAndY) {
     EXPECT_EQ(outcome.out, "x1,y1,x2,y2,x3,y3\n0,1.5,10,-2,10,0\n1,,20,1e+300,20,1\n2,0.1,30,-0,30,2\n");
 }
 
+TEST(Program, expressionsAreValuesToo) {
+    const ScratchFolder folder;
+    folder.write(u"a.csv"_qs, smallTable);
+    const Outcome outcome = velquin(
+        words("a.csv --delimiter comma --header --x \"time\"/10 --y c2*row --point-size air --values -"),
+        folder);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.out, "x1,y1,size1\n1,0,1.5\n2,,\n3,0.2,0.1\n");
+}
+
 TEST(Program, skipAndEveryTakeTheStatedLines) {
     const ScratchFolder folder;
     folder.write(u"a.txt"_qs, "l0 0\nl1 1\nl2 2\nl3 3\nl4 4\nl5 5\n");

@@ -1,7 +1,6 @@
 // A curve's reactions to its own keys and to its data source, its ranges and its hand-over with the renderer.
 #include "Classes/PlotModel/XCurve.h"
 
-#include "Classes/Axes/XAxis.h"
 #include "Classes/PlotModel/CurveKeys.h"
 #include "Classes/PlotView/XPointsLibrary.h"
 #include "Core/Assertions.h"
@@ -14,7 +13,6 @@
 
 namespace {
 
-constexpr XValueRange rangeWithoutData{-10, 10};
 constexpr int initialShapeIdentifier = 1;
 
 bool isOneOf(const char* key, std::initializer_list<const char*> keys) {
@@ -33,14 +31,6 @@ std::uint64_t columnRows(bool usesExpression, const XTable& evaluated, const XTa
 
 } // namespace
 
-/// The three values that a curve draws differ only in where their settings are kept.
-struct XCurve::RoleSettings {
-    bool usesExpression;
-    const std::optional<QString>& expression;
-    const XTable& evaluated;
-    int index;
-};
-
 std::uint64_t CurveSnapshot::rows() const {
     if (!table)
         return 0;
@@ -49,15 +39,6 @@ std::uint64_t CurveSnapshot::rows() const {
     if (pointsizeUsesExpression && pointsizeEvaluated)
         least = std::min(least, pointsizeEvaluated->rowsNumber());
     return least;
-}
-
-std::shared_ptr<XCurve> XCurve::make() {
-    return {new XCurve, [](XCurve* curve) {
-                if (MainThread::isCurrent())
-                    delete curve;
-                else
-                    MainThread::perform([curve] { delete curve; });
-            }};
 }
 
 XCurve::XCurve() : m_color(randomColor()) {
@@ -70,8 +51,6 @@ XCurve::XCurve() : m_color(randomColor()) {
     m_selfObservation =
         Observation(*this, curveSelfObservedKeys, [this](const KeyChange& change) { ownKeyChanged(change); });
 }
-
-XCurve::~XCurve() = default;
 
 RgbaColor XCurve::color() const {
     const std::scoped_lock lock(m_lock);
@@ -103,59 +82,15 @@ void XCurve::setDatasource(XDataSource dataSource) {
     m_dataSource = std::move(dataSource);
 }
 
-// --- Evaluation
-// ------------------------------------------------------------------------------------------------
-
-XCurve::RoleSettings XCurve::settings(Role role) const {
-    switch (role) {
-    case Role::X:
-        return {x_uses_expression(), x_data_expression(), x_evaluated_data(), x_data_index()};
-    case Role::Y:
-        return {y_uses_expression(), y_data_expression(), y_evaluated_data(), y_data_index()};
-    case Role::Pointsize:
-        break;
-    }
-    return {pointsize_uses_expression(), pointsize_data_expression(), pointsize_evaluated_data(),
-            pointsize_data_index()};
-}
-
-bool XCurve::startEvaluatingX() {
-    return startEvaluating(Role::X);
-}
-bool XCurve::startEvaluatingY() {
-    return startEvaluating(Role::Y);
-}
-bool XCurve::startEvaluatingPointsize() {
-    return startEvaluating(Role::Pointsize);
-}
-
-bool XCurve::startEvaluating(Role role) {
-    const RoleSettings of = settings(role);
-    if (!of.usesExpression || !of.expression)
-        return false;
-    const QString reason = QStringLiteral("expressions are not evaluated by this version");
-    switch (role) {
-    case Role::X:
-        setXExpressionError(reason);
-        break;
-    case Role::Y:
-        setYExpressionError(reason);
-        break;
-    case Role::Pointsize:
-        setPointsizeExpressionError(reason);
-        break;
-    }
-    return false;
-}
-
+// Changes
 void XCurve::ownKeyChanged(const KeyChange& change) {
     const bool all = isOneOf(change.key, {"dataSource"});
     if (all || isOneOf(change.key, {"x_uses_expression", "x_data_expression"}))
-        startEvaluatingX();
+        restartEvaluating(Role::X, change.oldValue);
     if (all || isOneOf(change.key, {"y_uses_expression", "y_data_expression"}))
-        startEvaluatingY();
+        restartEvaluating(Role::Y, change.oldValue);
     if (all || isOneOf(change.key, {"pointsize_uses_expression", "pointsize_data_expression"}))
-        startEvaluatingPointsize();
+        restartEvaluating(Role::Pointsize, change.oldValue);
     if (all && !dataSource())
         discardRenderedImage(); // its data are gone, and so is its picture
     setNeedsRedraw(true);
@@ -164,11 +99,11 @@ void XCurve::ownKeyChanged(const KeyChange& change) {
 void XCurve::dataSourceUpdated(QObject* sender) {
     if (sender == nullptr || sender != dataSource().get())
         return;
-    const bool startedX = startEvaluatingX();
-    const bool startedY = startEvaluatingY();
-    const bool startedPointsize = startEvaluatingPointsize();
+    bool started = false;
+    for (const Role role : allRoles)
+        started = startEvaluating(role) || started;
     xAssert(MainThread::isCurrent(), "This should be called in main thread!");
-    if (!startedX && !startedY && !startedPointsize)
+    if (!started)
         setNeedsRedraw(true);
 }
 
@@ -177,32 +112,7 @@ void XCurve::dataSourceWillRemoved(QObject* sender) {
         setDataSource(nullptr);
 }
 
-// --- Ranges
-// ----------------------------------------------------------------------------------------------------
-
-XTable XCurve::lockedTable() const {
-    return dataSource() ? dataSource()->data() : nullptr; // `data` takes the source's lock
-}
-
-XValueRange XCurve::range(Role role, const XAxisHandle& axis) const {
-    const RoleSettings of = settings(role);
-    const XTable table = of.usesExpression ? of.evaluated : lockedTable();
-    if (!table)
-        return rangeWithoutData;
-    const XValueRange valid = axis ? axis->validValuesRange() : XValueRange{};
-    return table->getRangeOfColumnIndexWithValidValuesInRange(of.usesExpression ? 1 : of.index, valid);
-}
-
-XValueRange XCurve::getRangeX() const {
-    return range(Role::X, axis_X());
-}
-XValueRange XCurve::getRangeY() const {
-    return range(Role::Y, axis_Y());
-}
-
-// --- Rendering
-// -------------------------------------------------------------------------------------------------
-
+// Rendering
 CurveSnapshot XCurve::snapshot() const {
     CurveSnapshot taken;
     taken.table = lockedTable();

@@ -11,6 +11,8 @@
 #include <QImage>
 #include <QVariantMap>
 
+#include <array>
+#include <iterator>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -107,6 +109,11 @@ class XCurve : public Observable {
     bool startEvaluatingY();
     bool startEvaluatingPointsize();
 
+    /// Take over a result, and ask for a redraw.
+    void setDataX(XTable evaluated);
+    void setDataY(XTable evaluated);
+    void setDataPointsize(XTable evaluated);
+
     /// Least and greatest value on that axis within its valid range; (-10, 10) without data.
     XValueRange getRangeX() const;
     XValueRange getRangeY() const;
@@ -125,7 +132,9 @@ class XCurve : public Observable {
 
   private:
     enum class Role { X, Y, Pointsize };
+    static constexpr Role allRoles[] = {Role::X, Role::Y, Role::Pointsize};
     struct RoleSettings;
+    class EvaluationRelay;
 
     XCurve();
     void ownKeyChanged(const KeyChange& change);
@@ -133,6 +142,14 @@ class XCurve : public Observable {
     void dataSourceWillRemoved(QObject* sender);
     RoleSettings settings(Role role) const;
     bool startEvaluating(Role role);
+    void restartEvaluating(Role role, const QVariant& oldValue);
+    bool isEvaluating(Role role, const QString& expression, quint64 generation) const;
+    void setEvaluated(Role role, XTable evaluated);
+    void setEvaluationError(Role role, const QString& reason);
+    void setEvaluationProgress(Role role, float percentage);
+    void expressionEvaluated(const QString& expression, const XTable& result, quint64 generation);
+    void expressionFailed(const QString& expression, const QString& reason, quint64 generation);
+    void progressChanged(const QString& expression, float percentage);
     XValueRange range(Role role, const XAxisHandle& axis) const;
     XTable lockedTable() const;
 
@@ -142,6 +159,8 @@ class XCurve : public Observable {
     bool m_pointsize_uses_expression = false;
     bool m_needsRedraw = false;
     quint64 m_changeCount = 0;
+    std::shared_ptr<EvaluationRelay> m_relay;                 ///< the evaluator's delegate
+    std::array<quint64, std::size(allRoles)> m_generations{}; ///< of the evaluation started last, by role
     Observation m_selfObservation;
     NotificationCenter::Registration m_updateRegistration;
     NotificationCenter::Registration m_removalRegistration;

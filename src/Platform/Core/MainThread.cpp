@@ -89,6 +89,12 @@ void run(Piece piece) {
     box.finished.notify_all();
 }
 
+bool isMailboxEmpty() {
+    Mailbox& box = mailbox();
+    const std::lock_guard lock(box.mutex);
+    return box.pieces.empty();
+}
+
 /// One piece a call: the event loop, and with it `runUntil`, comes around between two of them.
 void runFirst() {
     Mailbox& box = mailbox();
@@ -135,7 +141,8 @@ void MainThread::runUntil(const std::function<bool()>& done) {
     if (!xAssert(isCurrent(), "Only the main thread runs the event loop"))
         return;
     QEventLoop loop;
-    while (!done())
+    // A worker hands its result over before it is seen to be idle: what is waiting belongs to what was done.
+    while (!done() || !isMailboxEmpty())
         loop.processEvents(QEventLoop::WaitForMoreEvents);
 }
 

@@ -23,7 +23,7 @@ void perform(Work work);
 /// throws on behalf of a worker is rethrown on the worker.
 bool performAndWait(Work work);
 
-/// Runs the event loop until `done()` holds; it is asked again after every piece of handed-over work and
+/// Runs the event loop until `done()` holds and all that was handed over has run; it is asked again after every piece of handed-over work and
 /// after every round of events. Main thread only. This is how the main thread waits for queues and readers:
 /// it never blocks on a worker. A worker that makes `done()` true must hand something over afterwards, if
 /// only `[] {}`.
