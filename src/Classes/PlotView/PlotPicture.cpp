@@ -156,7 +156,7 @@ QImage drawPicture(const PlotPictureOptions& options, PictureSize size) {
     PlotScene scene;
     setUp(scene, options, rooms, size.scale);
     for (int round = 0; round < renderRounds && !scene.requestRenderings(); ++round)
-        MainThread::runUntil([&scene] { return scene.isIdle(); });
+        MainThread::runUntil([&scene] { return scene.renderTaskCount() == 0; });
 
     QPainter painter(&image);
     paintPicture(painter, scene, options, rooms, size, PlotScene::CurveOutput::Images);

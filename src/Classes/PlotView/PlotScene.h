@@ -78,8 +78,8 @@ class PlotScene {
     /// Ranges around the visible curves' data, with a visible margin; turns `autoFitToData` on.
     void fitToData();
     void discardPrerenderedImages();
-    /// Whether no render task is listed.
-    bool isIdle() const { return m_renderTasksQueue.isIdle(); }
+    /// Render tasks that are queued, running or handing over.
+    std::size_t renderTaskCount() const { return m_renderTasksQueue.operationCount(); }
     /// Lays out and queues a task for every visible curve whose image is missing or stale; false if there was
     /// one.
     bool requestRenderings();
