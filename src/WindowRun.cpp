@@ -2,10 +2,69 @@
 #include "WindowRun.h"
 
 #include "BatchRun.h"
+#include "Classes/WindowControllers/PlotWindow.h"
 #include "CommandLine.h"
-#include "Core/Assertions.h"
 #include "DocumentRequest.h"
 #include "MoxDocument.h"
+
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// What was asked of a document names columns, so it waits for the data. Asked again whenever a source tells
+/// of its state, until it is done.
+class PendingRequest : public QObject {
+  public:
+    PendingRequest(PlotWindow& window, QString file, CommandLine line)
+        : QObject(&window), m_window(window), m_file(std::move(file)), m_line(std::move(line)) {
+        static constexpr const char* keys[] = {"isLoading"};
+        for (const XDataSource& source : window.document().dataSourcesManager().dataSources()) {
+            m_observations.emplace_back(*source, keys, [this](const KeyChange&) { applyWhenRead(); });
+        }
+        applyWhenRead();
+    }
+
+  private:
+    void applyWhenRead() {
+        MoxDocument& document = m_window.document();
+        if (m_isDone || document.isReading())
+            return;
+        m_isDone = true;
+        if (const auto failure = firstReadFailure(document))
+            m_window.showMessage(failure->file + u": "_qs + failure->reason);
+        else if (const auto refused = applyRequest(document, m_file, m_line))
+            m_window.showMessage(refused->file + u": "_qs + refused->reason);
+        else
+            document.onFitToData();
+    }
+
+    PlotWindow& m_window;
+    const QString m_file;
+    const CommandLine m_line;
+    std::vector<Observation> m_observations;
+    bool m_isDone = false;
+};
+
+/// Returns whether a window was opened.
+bool openWindow(const QString& file, const CommandLine& line) {
+    std::variant<std::unique_ptr<MoxDocument>, RequestFailure> opened = std::make_unique<MoxDocument>();
+    if (!file.isEmpty())
+        opened = openRequested(file, line);
+    if (const auto* failure = std::get_if<RequestFailure>(&opened)) {
+        reportFailure(failure->file, failure->reason);
+        return false;
+    }
+    const QString title = file.isEmpty() ? u"Velquin"_qs : QFileInfo(file).fileName() + u" — Velquin"_qs;
+    auto* window = new PlotWindow(std::move(std::get<std::unique_ptr<MoxDocument>>(opened)), title);
+    if (!file.isEmpty())
+        new PendingRequest(*window, file, line); // the window owns it
+    window->show();
+    return true;
+}
+
+} // namespace
 
 bool Application::notify(QObject* receiver, QEvent* event) {
     try {
@@ -17,7 +76,15 @@ bool Application::notify(QObject* receiver, QEvent* event) {
 }
 
 int runWindows(const CommandLine& line) {
-    for (const QString& file : line.files)
-        reportFailure(file, QStringLiteral("no window yet"));
-    return 1;
+    bool anyOpened = false;
+    for (const QString& file : line.files.isEmpty() ? QStringList{QString()} : line.files)
+        anyOpened = openWindow(file, line) || anyOpened;
+    const int exitCode = anyOpened ? QApplication::exec() : 1;
+    // Windows that quitting left open go while there is an application: their documents end reads and
+    // renderings.
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (qobject_cast<PlotWindow*>(window) != nullptr)
+            delete window;
+    }
+    return exitCode;
 }
