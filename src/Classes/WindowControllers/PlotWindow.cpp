@@ -8,6 +8,12 @@
 #include <QLabel>
 #include <QStatusBar>
 
+namespace {
+
+constexpr QSize firstSize{920, 550};
+
+} // namespace
+
 PlotWindow::PlotWindow(std::unique_ptr<MoxDocument> document, const QString& title)
     : m_document(std::move(document)) {
     setAttribute(Qt::WA_DeleteOnClose);
@@ -23,6 +29,7 @@ PlotWindow::PlotWindow(std::unique_ptr<MoxDocument> document, const QString& tit
     };
     addShortcut(QKeySequence::Close, [this] { close(); });
     addShortcut(QKeySequence::Quit, [] { QCoreApplication::quit(); });
+    resize(firstSize);
     m_controller.onBecameVisible();
 }
 
