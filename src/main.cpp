@@ -33,9 +33,11 @@ void print(const QString& text) {
     std::fputs(text.toLocal8Bit().constData(), stdout);
 }
 
-/// Standard error holds one line on what failed; what the toolkit thinks of its surroundings is not part of it.
+/// Standard error holds one line on what failed; what the toolkit thinks of its surroundings is not part of
+/// it.
 void writeOwnMessages(QtMsgType type, const QMessageLogContext& context, const QString& text) {
-    const bool isOwn = context.category != nullptr && std::strcmp(context.category, velquinLog().categoryName()) == 0;
+    const bool isOwn =
+        context.category != nullptr && std::strcmp(context.category, velquinLog().categoryName()) == 0;
     if (isOwn || type == QtFatalMsg)
         std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
 }
