@@ -1,8 +1,22 @@
-// The part of a line segment that lies within a rectangle around the picture.
+// The part of a line segment that lies within a rectangle.
 #pragma once
 
 #include <algorithm>
 #include <optional>
+
+/// Upright, borders included; without any point when an upper bound is below its lower one.
+struct ClipBox {
+    double left;
+    double low;
+    double right;
+    double high;
+
+    bool contains(double x, double y) const { return x >= left && x <= right && y >= low && y <= high; }
+    /// The picture of this size, with `margin` around it.
+    static ClipBox around(double width, double height, double margin) {
+        return {-margin, -margin, width + margin, height + margin};
+    }
+};
 
 /// A part of a segment, as fractions of its length: 0 <= begin < end <= 1.
 struct SegmentPart {
@@ -10,20 +24,20 @@ struct SegmentPart {
     double end;
 };
 
-/// What of the segment from (x, y) to (x + dx, y + dy) lies within (-margin, -margin) to (width + margin,
-/// height + margin); none when at most a point does. For any finite coordinates whose differences are finite.
-inline std::optional<SegmentPart> clippedSegment(double x, double y, double dx, double dy, double width,
-                                                 double height, double margin) {
+/// What of the segment from (x, y) to (x + dx, y + dy) lies within the box; none when at most a point does.
+/// For finite coordinates whose differences are finite.
+inline std::optional<SegmentPart> clippedSegment(double x, double y, double dx, double dy,
+                                                 const ClipBox& box) {
     SegmentPart part{0, 1};
-    const auto clip = [&part, margin](double start, double delta, double extent) {
+    const auto clip = [&part](double start, double delta, double least, double greatest) {
         if (delta == 0)
-            return start >= -margin && start <= extent + margin;
-        const auto [enter, leave] =
-            std::minmax({(-margin - start) / delta, (extent + margin - start) / delta});
+            return start >= least && start <= greatest;
+        const auto [enter, leave] = std::minmax({(least - start) / delta, (greatest - start) / delta});
         part = {std::max(part.begin, enter), std::min(part.end, leave)};
         return part.begin < part.end;
     };
-    if (!clip(x, dx, width) || !clip(y, dy, height))
+    if (box.left > box.right || box.low > box.high || !clip(x, dx, box.left, box.right) ||
+        !clip(y, dy, box.low, box.high))
         return std::nullopt;
     return part;
 }

@@ -4,30 +4,47 @@
 #include "Core/SegmentClip.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <utility>
 
 namespace {
 
 constexpr int noRow = std::numeric_limits<int>::max();
+constexpr ClipBox nowhere{1, 1, 0, 0};
+constexpr double fullCoverage = 0.999; ///< painted as 1, and it only grows
 
 } // namespace
 
 StrokeRasterizer::StrokeRasterizer(int width, int height, double lineWidth)
     : m_width(width), m_height(height), m_halfWidth(lineWidth / 2),
-      m_columnStride((static_cast<std::size_t>(height) + 3) |
-                     1U), // odd: columns do not compete for cache lines
+      // Odd, so that columns do not compete for cache lines.
+      m_columnStride((static_cast<std::size_t>(height) + 3) | 1U),
       m_columns(static_cast<std::size_t>(width) * m_columnStride),
-      m_rows(static_cast<std::size_t>(width), Rows{noRow, 0}), m_firstColumn(width) {}
+      m_rows(static_cast<std::size_t>(width), Rows{noRow, 0}), m_firstColumn(width),
+      m_near(ClipBox::around(width, height, m_halfWidth + 1)), m_full(nowhere),
+      m_cellsUntilSearch(cellsBetweenSearches()) {}
+
+std::int64_t StrokeRasterizer::cellsBetweenSearches() const {
+    return 2 * static_cast<std::int64_t>(m_width) * m_height;
+}
 
 void StrokeRasterizer::moveTo(double x, double y) {
     m_last = {x, y};
     m_lastNormal = {0, 0};
+    m_lastIsInFull = m_full.contains(x, y);
 }
 
 void StrokeRasterizer::lineTo(double x, double y) {
     const Point to{x, y};
+    const bool isInFull = m_full.contains(x, y);
+    if (isInFull && m_lastIsInFull) {
+        m_last = to;
+        m_lastNormal = {0, 0}; // nothing of the next join can be seen
+        return;
+    }
     const double dx = x - m_last.x;
     const double dy = y - m_last.y;
     const double length = std::sqrt(dx * dx + dy * dy);
@@ -35,31 +52,40 @@ void StrokeRasterizer::lineTo(double x, double y) {
         return;
     const double scale = m_halfWidth / length;
     const Point normal{-dy * scale, dx * scale};
-    if (isNear(m_last))
+    if (!m_lastIsInFull && m_near.contains(m_last.x, m_last.y))
         addBevel(m_last, m_lastNormal, normal);
     addSegment(m_last, to, normal);
+    if (m_cellsUntilSearch <= 0)
+        findFullBox();
     m_last = to;
     m_lastNormal = normal;
+    m_lastIsInFull = m_full.contains(x, y);
 }
 
-bool StrokeRasterizer::isNear(Point point) const {
-    return point.x >= -m_halfWidth && point.x <= m_width + m_halfWidth && point.y >= -m_halfWidth &&
-           point.y <= m_height + m_halfWidth;
-}
-
-/// A rectangle around what of the centre line lies so near that it can touch the picture. The ends that
-/// clipping makes lie outside, like all that they leave out.
+/// Draws what of the segment can be seen. The ends that clipping makes lie outside the picture, like all that
+/// they leave out, or deep in what is full.
 void StrokeRasterizer::addSegment(Point from, Point to, Point normal) {
     const Point delta{to.x - from.x, to.y - from.y};
-    const std::optional<SegmentPart> part =
-        clippedSegment(from.x, from.y, delta.x, delta.y, m_width, m_height, m_halfWidth + 1);
-    if (!part)
+    const std::optional<SegmentPart> near = clippedSegment(from.x, from.y, delta.x, delta.y, m_near);
+    if (!near)
         return;
-    if (part->end < 1)
-        to = {from.x + part->end * delta.x, from.y + part->end * delta.y};
-    if (part->begin > 0)
-        from = {from.x + part->begin * delta.x, from.y + part->begin * delta.y};
+    const auto at = [=](double share) {
+        return share == 0   ? from
+               : share == 1 ? to
+                            : Point{from.x + share * delta.x, from.y + share * delta.y};
+    };
+    const std::optional<SegmentPart> full = clippedSegment(from.x, from.y, delta.x, delta.y, m_full);
+    if (!full) {
+        addRectangle(at(near->begin), at(near->end), normal);
+        return;
+    }
+    if (near->begin < full->begin)
+        addRectangle(at(near->begin), at(full->begin), normal);
+    if (full->end < near->end)
+        addRectangle(at(full->end), at(near->end), normal);
+}
 
+void StrokeRasterizer::addRectangle(Point from, Point to, Point normal) {
     const std::array<Point, 4> corners{{{from.x - normal.x, from.y - normal.y},
                                         {to.x - normal.x, to.y - normal.y},
                                         {to.x + normal.x, to.y + normal.y},
@@ -123,6 +149,7 @@ void StrokeRasterizer::addWithinPicture(Point left, Point right, double sign) {
     const int last = std::min(static_cast<int>(right.x), m_width - 1);
     m_firstColumn = std::min(m_firstColumn, first);
     m_endColumn = std::max(m_endColumn, last + 1);
+    m_cellsUntilSearch -= last + 1 - first;
     if (first == last) {
         addToColumn(first, left.y, right.y, sign * (right.x - left.x));
         return;
@@ -170,6 +197,57 @@ inline void StrokeRasterizer::addToColumn(int column, double y0, double y1, doub
     addRamp(highRow, high, -slope);
 }
 
+/// Of the rows of a column that are full, the longest run.
+StrokeRasterizer::Rows StrokeRasterizer::longestFullRun(int column) const {
+    const Rows touched = m_rows[static_cast<std::size_t>(column)];
+    const double* const rows = m_columns.data() + static_cast<std::size_t>(column) * m_columnStride;
+    const int end = std::min(touched.end, m_height);
+    Rows longest{0, 0};
+    double slope = 0;
+    double coverage = 0;
+    int first = touched.first;
+    for (int row = touched.first; row < end; ++row) {
+        slope += rows[row];
+        coverage += slope;
+        if (coverage < fullCoverage)
+            first = row + 1;
+        else if (row + 1 - first > longest.end - longest.first)
+            longest = {first, row + 1};
+    }
+    return longest;
+}
+
+/// The greatest rectangle within the runs of the columns, less what a stroke reaches to its sides. Columns
+/// are taken in blocks, so that looking at all pairs of blocks costs less than looking at all pixels.
+void StrokeRasterizer::findFullBox() {
+    const int blockWidth = std::max(4, m_width / 256);
+    const int blocks = m_width / blockWidth;
+    std::vector<Rows> runs(static_cast<std::size_t>(blocks), Rows{0, m_height});
+    for (int column = 0; column < blocks * blockWidth; ++column) {
+        Rows& run = runs[static_cast<std::size_t>(column / blockWidth)];
+        const Rows own = longestFullRun(column);
+        run = {std::max(run.first, own.first), std::min(run.end, own.end)};
+    }
+    double greatest = 0;
+    const double reach = m_halfWidth + 1;
+    for (std::size_t begin = 0; begin < runs.size(); ++begin) {
+        Rows common{0, m_height};
+        for (std::size_t end = begin; end < runs.size(); ++end) {
+            common = {std::max(common.first, runs[end].first), std::min(common.end, runs[end].end)};
+            const ClipBox box{static_cast<double>(begin) * blockWidth + reach, common.first + reach,
+                              static_cast<double>(end + 1) * blockWidth - reach, common.end - reach};
+            if (box.low >= box.high)
+                break;
+            const double area = (box.right - box.left) * (box.high - box.low);
+            if (box.left < box.right && area > greatest) {
+                greatest = area;
+                m_full = box;
+            }
+        }
+    }
+    m_cellsUntilSearch = cellsBetweenSearches();
+}
+
 void StrokeRasterizer::paint(PixelGrid image, const CoverageRamp& colors) {
     for (int column = m_firstColumn; column < m_endColumn; ++column) {
         if (m_rows[static_cast<std::size_t>(column)].end > 0)
@@ -178,6 +256,9 @@ void StrokeRasterizer::paint(PixelGrid image, const CoverageRamp& colors) {
     m_firstColumn = m_width;
     m_endColumn = 0;
     m_lastNormal = {0, 0};
+    m_full = nowhere;
+    m_lastIsInFull = false;
+    m_cellsUntilSearch = cellsBetweenSearches();
 }
 
 void StrokeRasterizer::paintColumn(int column, PixelGrid image, const CoverageRamp& colors) {

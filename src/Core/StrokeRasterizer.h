@@ -2,8 +2,10 @@
 #pragma once
 
 #include "Core/PremultipliedColor.h"
+#include "Core/SegmentClip.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 /// Lines of one width with bevel joins and butt caps, antialiased. Coordinates are pixels, y upwards from the
@@ -19,6 +21,10 @@
 /// numbers, whatever the height. So a segment costs a few additions for each column that it crosses, however
 /// steep it is, and nothing is sorted. Doubles hold the sums without overflow: what is left of a ramp of
 /// slope s after it ended is below 1e-15 s for each row above it.
+///
+/// A long line in no order soon covers most of the picture. Now and then a rectangle is looked for that is
+/// full already: what a segment has within it is left out, and a segment that lies in it is gone after four
+/// comparisons.
 class StrokeRasterizer {
   public:
     /// `width` and `height` in pixels, not negative; takes 8 bytes a pixel. `lineWidth` in pixels, positive.
@@ -43,12 +49,15 @@ class StrokeRasterizer {
     };
 
     void addSegment(Point from, Point to, Point normal);
+    void addRectangle(Point from, Point to, Point normal);
     void addBevel(Point at, Point normalBefore, Point normalAfter);
     void addEdge(Point from, Point to);
     void addWithinPicture(Point left, Point right, double sign);
     void addToColumn(int column, double y0, double y1, double signedWidth);
     void paintColumn(int column, PixelGrid image, const CoverageRamp& colors);
-    bool isNear(Point point) const;
+    std::int64_t cellsBetweenSearches() const;
+    void findFullBox();
+    Rows longestFullRun(int column) const;
 
     int m_width;
     int m_height;
@@ -61,7 +70,13 @@ class StrokeRasterizer {
     int m_firstColumn;        ///< the columns that were added to
     int m_endColumn = 0;
 
+    ClipBox m_near; ///< what lies outside cannot touch the picture
+    ClipBox m_full; ///< a centre line in here draws where everything is full
+    std::int64_t
+        m_cellsUntilSearch; ///< columns that segments may cross until the full box is looked for again
+
     Point m_last{0, 0};
+    bool m_lastIsInFull = false;
     Point m_lastNormal{0,
                        0}; ///< half a line width to the left of the direction; (0, 0) at a sub-path's start
 };

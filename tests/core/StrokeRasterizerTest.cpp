@@ -102,6 +102,29 @@ TEST(StrokeRasterizer, ATranslucentStrokeIsOneUnion) {
         EXPECT_EQ(smooth.alpha(static_cast<int>(arc[i].x), height - 1 - static_cast<int>(arc[i].y)), 1) << i;
 }
 
+TEST(StrokeRasterizer, WhatItLeavesOutCannotBeSeen) {
+    // Thousands of long segments: the middle is soon full, and only its surroundings go on changing.
+    std::mt19937 random(9);
+    std::normal_distribution<double> normal;
+    Polyline line;
+    for (int i = 0; i < 4000; ++i)
+        line.push_back({width * (0.5 + 0.2 * normal(random)), height * (0.45 + 0.17 * normal(random))});
+    for (const double lineWidth : {0.2, 1.0}) {
+        const Picture picture = painted(line, lineWidth, 1);
+        reference::Stroke stroke(width, height);
+        stroke.add(line, lineWidth);
+        int partly = 0;
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                // Sums are never less than the union, but for what the reference misses between its places.
+                EXPECT_GE(picture.alpha(x, y), stroke.coverage(x, y) - 0.08) << x << ", " << y;
+                partly += stroke.coverage(x, y) > 0.05 && stroke.coverage(x, y) < 0.95 ? 1 : 0;
+            }
+        }
+        EXPECT_GT(partly, 50) << "the data leave no rim to look at";
+    }
+}
+
 TEST(StrokeRasterizer, PaintsOverWhatWasPaintedBeforeAndForgets) {
     Picture picture;
     StrokeRasterizer rasterizer(width, height, 4);

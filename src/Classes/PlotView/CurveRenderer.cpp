@@ -112,15 +112,16 @@ class ImageStrokes {
 class VectorStrokes {
   public:
     VectorStrokes(QPainter& painter, double width, double height, const QPen& pen)
-        : m_painter(painter), m_width(width), m_height(height), m_pen(pen) {}
+        : m_painter(painter), m_height(height), m_pen(pen),
+          m_box(ClipBox::around(width, height, pen.widthF() + 10)) {}
 
     void moveTo(float x, float y) { m_last = {x, m_height - y}; }
 
     void lineTo(float x, float y) {
         const QPointF from = std::exchange(m_last, {x, m_height - y});
         const QPointF delta = m_last - from;
-        const std::optional<SegmentPart> part = clippedSegment(from.x(), from.y(), delta.x(), delta.y(),
-                                                               m_width, m_height, m_pen.widthF() + margin);
+        const std::optional<SegmentPart> part =
+            clippedSegment(from.x(), from.y(), delta.x(), delta.y(), m_box);
         if (!part)
             return;
         const QPointF begin = part->begin > 0 ? from + part->begin * delta : from;
@@ -136,12 +137,10 @@ class VectorStrokes {
     }
 
   private:
-    static constexpr double margin = 10;
-
     QPainter& m_painter;
-    double m_width;
     double m_height;
     QPen m_pen;
+    ClipBox m_box;
     QPainterPath m_path;
     QPointF m_last;
 };

@@ -67,7 +67,8 @@ void drawShape(QPainter& painter, const XGraphPointDescription& shape, const Tic
 
 PointSprites::PointSprites(QImage& image, const XGraphPointDescription& shape, const RgbaColor& color,
                            double lineWidth)
-    : m_image(image), m_shape(shape), m_color(color),
+    : m_image(image), m_grid{reinterpret_cast<std::uint32_t*>(image.bits()), image.bytesPerLine() / 4},
+      m_shape(shape), m_color(color),
       // Beyond this the width makes no difference to a picture of this size.
       m_lineWidth(std::clamp(lineWidth, 1.0, 8.0 * (image.width() + image.height()))) {}
 
@@ -107,11 +108,16 @@ const PointSprites::Sprite& PointSprites::spriteOf(std::int32_t size4) {
         drawShape(painter, m_shape, {{sprite.reach, sprite.reach, size4}, 1}, side,
                   outlinePen(RgbaColor{0, 0, 0, 1}, 1, m_lineWidth));
     }
-    sprite.coverage.reserve(static_cast<std::size_t>(side) * static_cast<std::size_t>(side));
     for (int y = 0; y < side; ++y) {
         const auto* row = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
-        std::transform(row, row + side, std::back_inserter(sprite.coverage),
-                       [](QRgb pixel) { return static_cast<std::uint8_t>(qAlpha(pixel)); });
+        for (int x = 0; x < side; ++x) {
+            if (qAlpha(row[x]) == 0)
+                continue;
+            if (x == 0 || qAlpha(row[x - 1]) == 0)
+                sprite.runs.push_back({x, y, 0});
+            ++sprite.runs.back().length;
+            sprite.coverage.push_back(static_cast<std::uint8_t>(qAlpha(row[x])));
+        }
     }
     m_spriteBytes += sprite.coverage.size();
     if (m_spriteBytes > maxSpriteBytes) { // a table of ever new sizes
@@ -125,16 +131,15 @@ const PointSprites::Sprite& PointSprites::spriteOf(std::int32_t size4) {
 void PointSprites::stamp(const Sprite& sprite, const CoverageRamp& colors, int centreX, int centreY) {
     const int left = centreX - sprite.reach;
     const int top = centreY - sprite.reach;
-    const int side = 2 * sprite.reach;
-    const int firstX = std::max(0, -left);
-    const int endX = std::min(side, m_image.width() - left);
-    const int endY = std::min(side, m_image.height() - top);
-    for (int y = std::max(0, -top); y < endY; ++y) {
-        auto* const pixels = reinterpret_cast<std::uint32_t*>(m_image.scanLine(top + y)) + left;
-        const std::uint8_t* const coverage = sprite.coverage.data() + static_cast<std::ptrdiff_t>(y) * side;
-        for (int x = firstX; x < endX; ++x) {
-            if (coverage[x] != 0)
-                pixels[x] = composed(colors[coverage[x]], pixels[x]);
-        }
+    const std::uint8_t* coverage = sprite.coverage.data();
+    for (const Sprite::Run& run : sprite.runs) {
+        const std::uint8_t* const ofRun = std::exchange(coverage, coverage + run.length);
+        const int y = top + run.y;
+        if (y < 0 || y >= m_image.height())
+            continue;
+        std::uint32_t* const pixels = m_grid.pixels + y * m_grid.stride + left + run.x;
+        const int end = std::min(run.length, m_image.width() - left - run.x);
+        for (int i = std::max(0, -left - run.x); i < end; ++i)
+            pixels[i] = composed(colors[ofRun[i]], pixels[i]);
     }
 }

@@ -56,8 +56,15 @@ class PointSprites {
   private:
     /// Coverage of a square around the centre, which lies on a corner of pixels.
     struct Sprite {
-        int reach = 0;                      ///< half the side
-        std::vector<std::uint8_t> coverage; ///< row by row
+        /// Neighbouring pixels of one row that are covered at all.
+        struct Run {
+            int x;
+            int y;
+            int length;
+        };
+        int reach = 0; ///< half the side
+        std::vector<Run> runs;
+        std::vector<std::uint8_t> coverage; ///< of the runs, one after the other
     };
 
     const Sprite& spriteOf(std::int32_t size4);
@@ -65,6 +72,7 @@ class PointSprites {
     void stamp(const Sprite& sprite, const CoverageRamp& colors, int centreX, int centreY);
 
     QImage& m_image;
+    PixelGrid m_grid;
     const XGraphPointDescription& m_shape;
     RgbaColor m_color;
     double m_lineWidth;
