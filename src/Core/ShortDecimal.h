@@ -20,9 +20,6 @@ inline constexpr std::size_t window = 16;
 inline constexpr std::array<double, window + 1> powersOfTen{1e0, 1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7, 1e8,
                                                             1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16};
 
-/// Integers up to here are exact in a double.
-inline constexpr std::uint64_t greatestExactInteger = std::uint64_t{1} << 53;
-
 struct Digits {
     std::uint64_t mantissa; ///< all digits as one integer
     unsigned decimals;      ///< how many of them stand after the point
@@ -106,8 +103,9 @@ inline Digits readDigits(const char* end, std::size_t size) {
 /// unspecified, for any other text. `window` bytes before the end of `text` must be readable, whatever they
 /// hold.
 ///
-/// Exact: the mantissa and the power of ten are integers that a double holds, so their quotient is rounded
-/// once, to the same double as strtod's (Clinger, "How to read floating point numbers accurately", 1990).
+/// Exact: with a point there are at most 15 digits, so the mantissa and the power of ten are integers that a
+/// double holds, and their quotient is rounded once, to strtod's double (Clinger, "How to read floating point
+/// numbers accurately", 1990). Without a point the conversion of the integer is the one rounding.
 inline bool read(std::string_view text, double& value) {
     const bool negative = !text.empty() && text.front() == '-';
     const std::size_t size = text.size() - (negative ? 1 : 0);
@@ -118,7 +116,7 @@ inline bool read(std::string_view text, double& value) {
         static_cast<double>(static_cast<std::int64_t>(digits.mantissa)) / powersOfTen[digits.decimals];
     // The sign as a bit: signs come in no order, and a branch would be foretold wrong half the time.
     value = std::bit_cast<double>(std::bit_cast<std::uint64_t>(magnitude) | (std::uint64_t{negative} << 63U));
-    return digits.valid && digits.mantissa <= greatestExactInteger;
+    return digits.valid;
 }
 
 } // namespace shortDecimal
