@@ -15,6 +15,7 @@ velquin_library(core
     Core/SignalFilters.h
     Core/StrokeRasterizer.h
     Core/RgbaColor.h
+    Core/TabLayout.h
     Core/TickCompressor.h
     Core/TextToDouble.h
     EmbeddedPlugins/Common/XPTableData.h
@@ -33,6 +34,7 @@ velquin_library(core
     Core/SignalFilters.cpp
     Core/StrokeRasterizer.cpp
     Core/RgbaColor.cpp
+    Core/TabLayout.cpp
     Core/TickCompressor.cpp
     Core/TextToDouble.cpp
     EmbeddedPlugins/Common/XPTableData.cpp

@@ -85,10 +85,10 @@ QPalette themePalette(Theme theme) {
     palette.setColor(QPalette::Base, colors.field);
     palette.setColor(QPalette::AlternateBase, colors.field);
     palette.setColor(QPalette::Text, colors.text);
-    palette.setColor(QPalette::PlaceholderText, colors.text3);
+    palette.setColor(labelRole, colors.text2);
+    palette.setColor(hintRole, colors.text3);
     palette.setColor(QPalette::Button, colors.raised);
     palette.setColor(QPalette::ButtonText, colors.text);
-    palette.setColor(QPalette::BrightText, colors.errorText);
     palette.setColor(QPalette::Light, colors.raised);
     palette.setColor(QPalette::Midlight, colors.line);
     palette.setColor(QPalette::Mid, colors.edge);
@@ -101,7 +101,7 @@ QPalette themePalette(Theme theme) {
     palette.setColor(QPalette::ToolTipBase, colors.raised);
     palette.setColor(QPalette::ToolTipText, colors.text);
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::Link,
-                            QPalette::HighlightedText, QPalette::PlaceholderText})
+                            QPalette::HighlightedText, labelRole, hintRole})
         palette.setColor(QPalette::Disabled, role, colors.disabled);
     palette.setColor(QPalette::Disabled, QPalette::Base, colors.window);
     return palette;

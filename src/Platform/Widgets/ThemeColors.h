@@ -40,5 +40,9 @@ struct ThemeColors {
 
 const ThemeColors& themeColors(Theme theme);
 
+/// Foreground roles of labels: text2 for labels, text3 for hints and counts.
+inline constexpr QPalette::ColorRole labelRole = QPalette::BrightText;
+inline constexpr QPalette::ColorRole hintRole = QPalette::PlaceholderText;
+
 /// The same colours by the roles that the toolkit's own widgets ask for.
 QPalette themePalette(Theme theme);

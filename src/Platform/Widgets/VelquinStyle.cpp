@@ -92,6 +92,12 @@ void VelquinStyle::setOverlayScrollBars(QWidget& area) {
     area.setProperty(overlayProperty, true);
 }
 
+QFont VelquinStyle::smallFont(const QFont& font) {
+    QFont small(font);
+    small.setPixelSize(std::max(11, QFontInfo(font).pixelSize() - 1));
+    return small;
+}
+
 void VelquinStyle::polish(QApplication* application) {
     QProxyStyle::polish(application);
     connect(application, &QApplication::focusChanged, this,

@@ -27,6 +27,9 @@ class VelquinStyle : public QProxyStyle {
     /// The scroll bars of `area` lie over its content, 6 px wide.
     static void setOverlayScrollBars(QWidget& area);
 
+    /// The font of counts, hints and the status line: a pixel less than `font`, never under 11.
+    static QFont smallFont(const QFont& font);
+
     void polish(QApplication* application) override;
     void polish(QWidget* widget) override;
     using QProxyStyle::polish;

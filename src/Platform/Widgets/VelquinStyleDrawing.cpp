@@ -309,6 +309,17 @@ void VelquinStyle::drawControl(ControlElement element, const QStyleOption* optio
                                const QWidget* widget) const {
     const ThemeColors& colors = currentColors();
     switch (element) {
+    case CE_ShapedFrame: {
+        const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
+        if (frame == nullptr || (frame->frameShape != QFrame::HLine && frame->frameShape != QFrame::VLine))
+            break;
+        const double thin = StylePainting::hairline(*painter);
+        const QRectF rect(option->rect);
+        const QSizeF size =
+            frame->frameShape == QFrame::HLine ? QSizeF(rect.width(), thin) : QSizeF(thin, rect.height());
+        painter->fillRect(QRectF(rect.topLeft(), size), colors.line);
+        return;
+    }
     case CE_FocusFrame:
         drawRing(*painter, option->rect, buttonRadius + 3, 2, colors.accent);
         return;
@@ -379,8 +390,9 @@ void VelquinStyle::drawControl(ControlElement element, const QStyleOption* optio
             drawProgressContents(*painter, *bar);
         return;
     default:
-        QProxyStyle::drawControl(element, option, painter, widget);
+        break;
     }
+    QProxyStyle::drawControl(element, option, painter, widget);
 }
 
 void VelquinStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
