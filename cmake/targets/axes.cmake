@@ -1,8 +1,10 @@
 # axes: values to pixels, ticks and texts. Labels are plain values.
 velquin_library(axes
   HEADERS
+    Classes/Axes/Calendar.h
     Classes/Axes/LinearTicks.h
     Classes/Axes/LogTicks.h
+    Classes/Axes/TicksGenerators.h
     Classes/Axes/XAxis.h
     Classes/Axes/XAxisInfo.h
     Classes/Axes/XAxisManager.h
@@ -10,9 +12,14 @@ velquin_library(axes
     Classes/Axes/XEmptyAxis.h
     Classes/Axes/XLogAxis.h
     Classes/Axes/XPseudoLogAxis.h
+    Classes/Axes/XTicksGenerator.h
+    Classes/Axes/XTimeAxis.h
+    Classes/Axes/XTimeAxisTick.h
   SOURCES
+    Classes/Axes/Calendar.cpp
     Classes/Axes/LinearTicks.cpp
     Classes/Axes/LogTicks.cpp
+    Classes/Axes/TicksGenerators.cpp
     Classes/Axes/XAxis.cpp
     Classes/Axes/XAxisInfo.cpp
     Classes/Axes/XAxisManager.cpp
@@ -20,4 +27,7 @@ velquin_library(axes
     Classes/Axes/XEmptyAxis.cpp
     Classes/Axes/XLogAxis.cpp
     Classes/Axes/XPseudoLogAxis.cpp
+    Classes/Axes/XTicksGenerator.cpp
+    Classes/Axes/XTimeAxis.cpp
+    Classes/Axes/XTimeAxisTick.cpp
   USES velquin_platform)

@@ -3,6 +3,7 @@ velquin_library(core
   HEADERS
     Core/Assertions.h
     Core/CalendarFields.h
+    Core/CivilDate.h
     Core/ClampToInt.h
     Core/ColorName.h
     Core/NewCurveColor.h
@@ -26,6 +27,7 @@ velquin_library(core
   SOURCES
     Core/Assertions.cpp
     Core/CalendarFields.cpp
+    Core/CivilDate.cpp
     Core/ColorName.cpp
     Core/NewCurveColor.cpp
     Core/NumberText.cpp

@@ -3,6 +3,7 @@
 #include "Classes/Axes/XAxis.h"
 #include "Classes/Axes/XEmptyAxis.h"
 #include "Classes/Axes/XPseudoLogAxis.h"
+#include "Classes/Axes/XTimeAxis.h"
 
 #include <algorithm>
 
@@ -15,13 +16,11 @@ std::unique_ptr<XAxis> make() {
 
 } // namespace
 
-// A kind with a mapping of its own names its class here. Those that map linearly keep their identifier all
-// the same, so that a document that uses them is saved as it was.
 XAxisManager::XAxisManager()
     : m_axisTypes{{QStringLiteral("numeric"), QStringLiteral("Numeric"), make<XAxis>},
                   {QStringLiteral("log"), QStringLiteral("Logarithmic"), make<XLogAxis>},
                   {QStringLiteral("pseudolog"), QStringLiteral("Pseudo log"), make<XPseudoLogAxis>},
-                  {QStringLiteral("timeline"), QStringLiteral("Timeline"), make<XAxis>},
+                  {QStringLiteral("timeline"), QStringLiteral("Timeline"), make<XTimeAxis>},
                   {QStringLiteral("zen"), QStringLiteral("No ticks"), make<XEmptyAxis>}} {}
 
 const XAxisManager& XAxisManager::sharedManager() {
