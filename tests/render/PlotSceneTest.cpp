@@ -120,6 +120,18 @@ TEST_F(PlotSceneTest, followsTheDataUntilToldOtherwise) {
     expectRange(*scene.axisY(), -11, 11, "without data");
 }
 
+TEST_F(PlotSceneTest, aLogarithmicAxisFitsPositiveValues) {
+    const XCurveHandle shown = curve({1, 2, 3}, {-50, 1, 1000});
+    scene.setCurves({shown});
+    scene.fitToData();
+    render();
+    scene.setAxisY(XAxisManager::sharedManager().createAxisWithTypeId(QStringLiteral("log")));
+    scene.options.axisMaxY = 1000;
+    scene.fitToData();
+    EXPECT_DOUBLE_EQ(scene.axisY()->minValue(), std::pow(10, -3 / 20.0));
+    EXPECT_DOUBLE_EQ(scene.axisY()->maxValue(), 1000);
+}
+
 TEST_F(PlotSceneTest, rendersInTheBackgroundAndShowsTheOldImageMeanwhile) {
     const XCurveHandle shown = curve({0, 20}, {0, 2});
     const XCurveHandle hidden = curve({0, 20}, {0, 2});

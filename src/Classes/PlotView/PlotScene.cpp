@@ -57,8 +57,20 @@ void PlotScene::replaceAxis(XAxisHandle& place, XAxisHandle axis) {
         return;
     axis->setRangeMinMax(place->minValue(), place->maxValue());
     place = std::move(axis);
+    m_renderTasksQueue.cancelAll(); // what is under way was made for an axis of another kind
     discardPrerenderedImages();
+    assignAxes();
     setNeedsDisplay();
+}
+
+/// A curve without an image gets the present axes, which say what values its ranges may hold.
+void PlotScene::assignAxes() {
+    for (const XCurveHandle& curve : std::as_const(m_curves)) {
+        if (!curve->renderedImage().isNull())
+            continue;
+        curve->setAxis_X(m_axisX);
+        curve->setAxis_Y(m_axisY);
+    }
 }
 
 void PlotScene::setCurves(QList<XCurveHandle> curves) {
@@ -67,6 +79,7 @@ void PlotScene::setCurves(QList<XCurveHandle> curves) {
     for (const XCurveHandle& curve : std::as_const(m_curves))
         m_curveObservations.emplace_back(*curve, curveKVOkeys,
                                          [this](const KeyChange& change) { observeValueForKeyPath(change); });
+    assignAxes();
 }
 
 void PlotScene::observeValueForKeyPath(const KeyChange& change) {
@@ -204,8 +217,9 @@ void PlotScene::addRenderTaskForCurve(const XCurveHandle& curve) {
         bool needed = true;
         for (const std::shared_ptr<Operation>& operation : listed) {
             const auto other = std::dynamic_pointer_cast<XPlotViewRenderTask>(operation);
-            if (!other || other->curve() != curve || other->isCancelled())
-                continue; // one that was cancelled brings no image, even if its axes are wanted again
+            // One that was cancelled, or is done but still listed, brings no image any more.
+            if (!other || other->curve() != curve || other->isCancelled() || other->hasHandedBack())
+                continue;
             if (other->compareWithTask(*task))
                 needed = false;
             else

@@ -98,6 +98,7 @@ class PlotScene {
 
   private:
     void replaceAxis(XAxisHandle& place, XAxisHandle axis);
+    void assignAxes();
     void observeValueForKeyPath(const KeyChange& change);
     void dataSourceUpdated();
     void setNeedsDisplay() const;
