@@ -67,7 +67,10 @@ void paintPicture(QPainter& painter, PlotScene& scene, const PlotPictureOptions&
     painter.save();
     painter.translate(rooms.plotView.left(), size.height - rooms.plotView.top() - rooms.plotView.height());
     PainterCanvas plot(painter, rooms.plotView.height(), output);
-    scene.draw(plot, QRectF(QPointF(0, 0), rooms.plotView.size()), curves);
+    // A label at the very edge may reach out of the plot's own area: paper has room for it.
+    constexpr double reach = 8;
+    const QRectF area(QPointF(0, 0), rooms.plotView.size());
+    scene.draw(plot, area.adjusted(-reach, -reach, reach, reach), curves);
     painter.restore();
 
     const FontTextMeasure measure;
