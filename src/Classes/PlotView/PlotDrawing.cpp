@@ -163,12 +163,11 @@ void drawOrigins(PlotCanvas& canvas, const PlotLayout& layout, const XAxis& axis
                         layout.selfHeight, Qt::Vertical, color);
 }
 
-void drawAxis(PlotCanvas& canvas, const AxisInView& axis, const PlotStyles& styles,
+void drawAxis(PlotCanvas& canvas, const AxisInView& view, const PlotStyles& styles,
               const TextMeasure& measure) {
-    const XAxisTicks ticks = axis.axis.ticks(); // makes the bands, too
-    const XAxisColorRanges bands = axis.axis.colors();
-    drawLabels(canvas, axis, bands, styles, measure);
-    drawBands(canvas, axis, bands, styles);
+    const XAxisColorRanges bands = view.axis.colors();
+    drawLabels(canvas, view, bands, styles, measure);
+    drawBands(canvas, view, bands, styles);
 }
 
 void drawAxisTitles(PlotCanvas& canvas, const PlotLayout& layout, const Titles& titles,

@@ -38,14 +38,14 @@ void drawFrame(PlotCanvas& canvas, const PlotLayout& layout, const PlotStyles& s
 
 /// Lines across the plot at the marks of one level that lie strictly within it: 0 the grid, 1 the secondary
 /// grid.
-void drawGridLines(PlotCanvas& canvas, const AxisInView& axis, int level, const PlotStyles& styles);
+void drawGridLines(PlotCanvas& canvas, const AxisInView& view, int level, const PlotStyles& styles);
 
 /// The horizontal line of y = 0 and the vertical line of x = 0.
 void drawOrigins(PlotCanvas& canvas, const PlotLayout& layout, const XAxis& axisX, const XAxis& axisY,
                  bool showOriginX, bool showOriginY, const PlotStyles& styles);
 
 /// Labels of the major marks, and the axis's coloured bands.
-void drawAxis(PlotCanvas& canvas, const AxisInView& axis, const PlotStyles& styles,
+void drawAxis(PlotCanvas& canvas, const AxisInView& view, const PlotStyles& styles,
               const TextMeasure& measure);
 
 struct Titles {
