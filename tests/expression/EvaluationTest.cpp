@@ -143,9 +143,10 @@ TEST(Evaluation, RowsSharedBetweenThreadsGiveTheSameBits) {
     const auto table =
         tableOf({many(rows, [](double row) { return row * 0.001 - 7; }),
                  many(rows, [](double row) { return row == 60'000 ? nan_ : std::sqrt(row); })});
-    for (const char* expression : {"sin(c1)+c2*0.5", "c1>0 ? row : c2/c1", "year(c1*1e6)"}) {
+    for (const char* expression : {"sin(c1)+c2*0.5", "c1>0 ? row : c2/c1", "year(c1*1e6)",
+                                   "mean(c2,9)-delta(c1)" /* not to be shared */}) {
         const auto prepared = expressionText::prepare(QString::fromLatin1(expression), 2);
-        ASSERT_TRUE(prepared && !prepared->dependsOnRowOrder);
+        ASSERT_TRUE(prepared);
         Values alone(rows);
         makeRowEvaluator(*prepared, *table)->evaluate(0, alone, {});
         const Values shared = valuesOf(evaluated(QString::fromLatin1(expression), table));
@@ -156,14 +157,24 @@ TEST(Evaluation, RowsSharedBetweenThreadsGiveTheSameBits) {
     }
 }
 
+TEST(Evaluation, StopsBeforeTheNextRow) {
+    const auto table = tableOf({{1, 2, 3}});
+    std::stop_source stop;
+    stop.request_stop();
+    Values untouched(3, 7);
+    makeRowEvaluator(*expressionText::prepare(u"c1*2"_qs, 1), *table)
+        ->evaluate(0, untouched, stop.get_token());
+    EXPECT_EQ(untouched, Values(3, 7));
+}
+
 TEST(Evaluation, TheFirstErrorInRowOrderDecidesWhicheverThreadMeetsIt) {
     const auto table = tableOf({Values(60'000)});
-    const auto harmless = evaluated(u"row==20000 ? 1<<70 : row==20005 ? 2.5&1 : row"_qs, table);
+    const auto harmless = evaluated(u"row==20002 ? 1<<70 : row==20005 ? 2.5&1 : row"_qs, table);
     const auto values = valuesOf(harmless);
     ASSERT_EQ(values.size(), 60'000U);
     EXPECT_EQ(std::count_if(values.begin(), values.end(), [](double value) { return std::isnan(value); }), 2);
     for (const QString& fatal :
-         {u"row==20000 ? 2.5&1 : row==20005 ? 1<<70 : row"_qs, u"row==59999 ? 2.5&1 : row"_qs})
+         {u"row==20002 ? 2.5&1 : row==20005 ? 1<<70 : row"_qs, u"row==59999 ? 2.5&1 : row"_qs})
         EXPECT_EQ(evaluated(fatal, table).failures.size(), 1U) << fatal.toStdString();
 }
 
