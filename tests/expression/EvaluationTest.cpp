@@ -163,7 +163,7 @@ TEST(Evaluation, StopsBeforeTheNextRow) {
     stop.request_stop();
     Values untouched(3, 7);
     makeRowEvaluator(*expressionText::prepare(u"c1*2"_qs, 1), *table)
-        ->evaluate(0, untouched, stop.get_token());
+        ->evaluate(1, untouched, stop.get_token());
     EXPECT_EQ(untouched, Values(3, 7));
 }
 
