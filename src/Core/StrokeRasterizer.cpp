@@ -125,7 +125,8 @@ void StrokeRasterizer::addEdge(Point from, Point to) {
         left = at(0);
     if (right.x > m_width)
         right = at(m_width);
-    const auto [low, high] = std::minmax({left.y, right.y});
+    const double low = std::min(left.y, right.y);
+    const double high = std::max(left.y, right.y);
     if (low >= 0 && high <= m_height) {
         addWithinPicture(left, right, sign);
         return;

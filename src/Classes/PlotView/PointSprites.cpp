@@ -110,13 +110,19 @@ const PointSprites::Sprite& PointSprites::spriteOf(std::int32_t size4) {
     }
     for (int y = 0; y < side; ++y) {
         const auto* row = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
+        int previous = 0;
         for (int x = 0; x < side; ++x) {
-            if (qAlpha(row[x]) == 0)
+            const int coverage = qAlpha(row[x]);
+            if (coverage == 0) {
+                previous = 0;
                 continue;
-            if (x == 0 || qAlpha(row[x - 1]) == 0)
-                sprite.runs.push_back({x, y, 0});
+            }
+            const bool isFull = coverage == 255;
+            if (previous == 0 || isFull != (previous == 255))
+                sprite.runs.push_back({x, y, 0, isFull});
             ++sprite.runs.back().length;
-            sprite.coverage.push_back(static_cast<std::uint8_t>(qAlpha(row[x])));
+            sprite.coverage.push_back(static_cast<std::uint8_t>(coverage));
+            previous = coverage;
         }
     }
     m_spriteBytes += sprite.coverage.size();
@@ -139,7 +145,16 @@ void PointSprites::stamp(const Sprite& sprite, const CoverageRamp& colors, int c
             continue;
         std::uint32_t* const pixels = m_grid.pixels + y * m_grid.stride + left + run.x;
         const int end = std::min(run.length, m_image.width() - left - run.x);
-        for (int i = std::max(0, -left - run.x); i < end; ++i)
-            pixels[i] = composed(colors[ofRun[i]], pixels[i]);
+        const int begin = std::max(0, -left - run.x);
+        if (!run.isFull) {
+            for (int i = begin; i < end; ++i)
+                pixels[i] = composed(colors[ofRun[i]], pixels[i]);
+        } else if (colors[255] >> 24U == 255) {
+            for (int i = begin; i < end; ++i)
+                pixels[i] = colors[255];
+        } else {
+            for (int i = begin; i < end; ++i)
+                pixels[i] = composed(colors[255], pixels[i]);
+        }
     }
 }

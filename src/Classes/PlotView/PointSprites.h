@@ -56,15 +56,16 @@ class PointSprites {
   private:
     /// Coverage of a square around the centre, which lies on a corner of pixels.
     struct Sprite {
-        /// Neighbouring pixels of one row that are covered at all.
+        /// Neighbouring pixels of one row, all of them fully covered, or all of them partly.
         struct Run {
             int x;
             int y;
             int length;
+            bool isFull;
         };
         int reach = 0; ///< half the side
         std::vector<Run> runs;
-        std::vector<std::uint8_t> coverage; ///< of the runs, one after the other
+        std::vector<std::uint8_t> coverage; ///< of all runs, one after the other
     };
 
     const Sprite& spriteOf(std::int32_t size4);
