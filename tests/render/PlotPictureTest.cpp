@@ -9,6 +9,8 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMimeData>
+#include <QPainter>
+#include <QSvgRenderer>
 
 #include <gtest/gtest.h>
 
@@ -77,6 +79,14 @@ TEST(PlotPicture, isWrittenInEachFormat) {
     EXPECT_TRUE(svg.contains("viewBox=\"0 0 300 200\""));
     EXPECT_TRUE(svg.contains("opacity=\"0.9\""));
     EXPECT_FALSE(svg.contains("<image"));
+    // The line goes on beyond its fixed range, and its writer has no clips.
+    QImage drawn(300, 200, QImage::Format_RGB32);
+    QPainter painter(&drawn);
+    QSvgRenderer(svg).render(&painter);
+    painter.end();
+    EXPECT_NEAR(drawn.pixelColor(150, 119).green(), 25, 1);
+    EXPECT_EQ(drawn.pixelColor(6, 119), QColor(Qt::white));
+    EXPECT_EQ(drawn.pixelColor(290, 119), QColor(Qt::white));
 
     const QImage once = drawPicture(options, {300, 200, 1});
     EXPECT_EQ(drawPicture(options, {300, 200, 1}), once); // pictures repeat

@@ -76,13 +76,16 @@ TEST_F(PlotSceneTest, drawsFromTheBackgroundToTheTitles) {
         if (const std::string part = verbs.substr(at, next - at); !folded.ends_with(part))
             folded += part;
     }
-    EXPECT_EQ(folded, " save clip fill stroke vertical #e6e6e6 vertical #b3b3b3 horizontal text restore");
+    EXPECT_EQ(
+        folded,
+        " save clip save clip fill stroke vertical #e6e6e6 vertical #b3b3b3 horizontal restore text restore");
 
     scene.options.dimGrid = true;
     scene.setAxisX(XAxisManager::sharedManager().createAxisWithTypeId(QStringLiteral("zen")));
     scene.options.titles = {};
-    EXPECT_THAT(draw(), ElementsAre("save", "clip 0,0 200x100", "fill 0,0 200x100 #ffffff",
-                                    "stroke 0,0 200x100 #e6e6e6", "restore"));
+    EXPECT_THAT(draw(),
+                ElementsAre("save", "clip 0,0 200x100", "save", "clip 0,0 200x100",
+                            "fill 0,0 200x100 #ffffff", "stroke 0,0 200x100 #e6e6e6", "restore", "restore"));
 }
 
 TEST_F(PlotSceneTest, startsWithTheRangesOfAnEmptyView) {

@@ -170,6 +170,17 @@ void drawAxis(PlotCanvas& canvas, const AxisInView& view, const PlotStyles& styl
     drawBands(canvas, view, bands, styles);
 }
 
+void coverAround(PlotCanvas& canvas, const QRectF& area, const QRectF& kept, const PlotStyles& styles) {
+    // Top and bottom count upwards here: `bottom()` of a rectangle is its upper edge.
+    const QRectF strips[] = {{area.topLeft(), QPointF(area.right(), kept.top())},
+                             {QPointF(area.left(), kept.bottom()), area.bottomRight()},
+                             {QPointF(area.left(), kept.top()), kept.bottomLeft()},
+                             {kept.topRight(), QPointF(area.right(), kept.bottom())}};
+    for (const QRectF& strip : strips)
+        if (!strip.isEmpty())
+            canvas.fillRect(strip, styles.color(u"BackgroundColor"_s));
+}
+
 void drawAxisTitles(PlotCanvas& canvas, const PlotLayout& layout, const Titles& titles,
                     const PlotStyles& styles, const TextMeasure& measure) {
     const QRectF plot = layout.plotRect();

@@ -48,6 +48,9 @@ void drawOrigins(PlotCanvas& canvas, const PlotLayout& layout, const XAxis& axis
 void drawAxis(PlotCanvas& canvas, const AxisInView& view, const PlotStyles& styles,
               const TextMeasure& measure);
 
+/// Covers what lies outside `kept` within `area` with the background: for devices that do not clip.
+void coverAround(PlotCanvas& canvas, const QRectF& area, const QRectF& kept, const PlotStyles& styles);
+
 struct Titles {
     std::optional<QString> plotArea;
     std::optional<QString> axisX;

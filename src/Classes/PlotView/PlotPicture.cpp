@@ -68,9 +68,7 @@ void paintPicture(QPainter& painter, PlotScene& scene, const PlotPictureOptions&
     painter.translate(rooms.plotView.left(), size.height - rooms.plotView.top() - rooms.plotView.height());
     PainterCanvas plot(painter, rooms.plotView.height(), output);
     // A label at the very edge may reach out of the plot's own area: paper has room for it.
-    constexpr double reach = 8;
-    const QRectF area(QPointF(0, 0), rooms.plotView.size());
-    scene.draw(plot, area.adjusted(-reach, -reach, reach, reach), curves);
+    scene.draw(plot, QRectF(-rooms.plotView.topLeft(), QSizeF(size.width, size.height)), curves);
     painter.restore();
 
     const FontTextMeasure measure;

@@ -272,8 +272,11 @@ void PlotScene::drawLegend(PlotCanvas&) const {}
 
 void PlotScene::draw(PlotCanvas& canvas, const QRectF& dirtyRect, CurveOutput output) {
     calculateMargins();
+    const QRectF bounds(QPointF(0, 0), m_bounds);
     canvas.save();
     canvas.clip(dirtyRect);
+    canvas.save();
+    canvas.clip(bounds); // labels alone may reach out of the view
     PlotDrawing::drawBackground(canvas, m_layout, m_styles);
     PlotDrawing::drawFrame(canvas, m_layout, m_styles);
     drawGrid(canvas);
@@ -284,6 +287,9 @@ void PlotScene::draw(PlotCanvas& canvas, const QRectF& dirtyRect, CurveOutput ou
         drawQuickHelp(canvas);
     else
         renderData(canvas, output);
+    canvas.restore();
+    if (output == CurveOutput::Vector) // the writer of scalable graphics ignores clips
+        PlotDrawing::coverAround(canvas, dirtyRect.united(bounds), m_layout.plotRect(), m_styles);
     PlotDrawing::drawAxis(canvas, AxisInView::x(*m_axisX, m_layout), m_styles, m_measure);
     PlotDrawing::drawAxis(canvas, AxisInView::y(*m_axisY, m_layout), m_styles, m_measure);
     PlotDrawing::drawAxisTitles(canvas, m_layout, options.titles, m_styles, m_measure);
