@@ -95,7 +95,7 @@ bool isMailboxEmpty() {
     return box.pieces.empty();
 }
 
-/// One piece a call: the event loop, and with it `runUntil`, comes around between two of them.
+/// One piece a call, so that other events get their turn between two of them.
 void runFirst() {
     Mailbox& box = mailbox();
     std::unique_lock lock(box.mutex);
