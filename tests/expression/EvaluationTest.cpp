@@ -37,6 +37,7 @@ TEST(Evaluation, Values) {
         {"c2>15 ? c1 : -1", {-1, 2.5, nan_}},
         {"c1=5", {5, 5, 5}},
         {"eye(100)[1,1]+ones(100,100)[1,2]", {2, 2, 2}},
+        {"170!/169! > 169 && 1e18! == 171!", {1, 1, 1}},
         {"c1 # a comment", {1, 2.5, nan_}},
     };
     for (const auto& row : rows)
@@ -84,7 +85,7 @@ TEST(Evaluation, ErrorsThatEndItAreReportedAndDeliverNothing) {
         {u"\"a text\""_qs, "The result is a text, not a number."},
         {u"{1,2}"_qs, "The result is an array, not a number."},
         {u"zeros(100000,100000)"_qs, "an array of more than 10000 elements"},
-        {u"eye(101)"_qs, "an array of more than 10000 elements"},
+        {u"ones(101)"_qs, "an array of more than 10000 elements"},
         {u"1+"_qs.repeated(5100) + u'1', "longer than 10000 characters"},
         {u"\"a\"+"_qs.repeated(250'000) + u'1', "longer than 20000 characters"},
         {QString::fromStdString(deep).chopped(1), "parenthesis"},

@@ -5,13 +5,13 @@
 #include "Core/CalendarFields.h"
 #include "Core/SignalFilters.h"
 
+#include <muparserx/mpOprtPostfixCommon.h>
 #include <muparserx/mpParser.h>
 
 #include <chrono>
 #include <cmath>
 #include <limits>
 #include <optional>
-#include <string_view>
 #include <vector>
 
 namespace {
@@ -284,14 +284,14 @@ class FN_mktimestamp final : public EvaluatorFunction<FN_mktimestamp> {
     }
 };
 
-/// A function of the library that makes an array, with a limit: one wrong number must not take all memory,
-/// nor keep a row busy for minutes, which nothing can cancel.
+// Limits to what the library itself offers: one wrong number must not take all memory, nor keep a single row
+// busy for minutes, which nothing can cancel.
+
+/// zeros, ones and eye.
 class BoundedArray final : public mup::ICallback {
   public:
-    /// With one argument it makes a column, or else a square.
-    BoundedArray(const mup::ptr_cal_type& original, bool isSquare)
-        : ICallback(mup::cmFUNC, original->GetIdent().c_str(), original->GetArgc()), m_original(original),
-          m_isSquare(isSquare) {}
+    explicit BoundedArray(const mup::ptr_cal_type& original)
+        : ICallback(mup::cmFUNC, original->GetIdent().c_str(), original->GetArgc()), m_original(original) {}
 
     void Eval(mup::ptr_val_type& result, const mup::ptr_val_type* arguments, int count) override {
         constexpr double mostElements = 10'000;
@@ -299,7 +299,9 @@ class BoundedArray final : public mup::ICallback {
         double elements = 1;
         for (int i = 0; i < count; ++i)
             elements *= sizes.number(i);
-        if (elements > mostElements || (m_isSquare && count == 1 && elements * elements > mostElements))
+        if (count == 1) // a square
+            elements *= elements;
+        if (elements > mostElements)
             throw mup::ParserError("an array of more than 10000 elements");
         m_original->Eval(result, arguments, count);
     }
@@ -308,15 +310,31 @@ class BoundedArray final : public mup::ICallback {
 
   private:
     mup::ptr_cal_type m_original; // without state
-    bool m_isSquare;
 };
 
-void limitArrays(mup::ParserX& parser) {
+/// The factorial, which the library multiplies out one by one even when the product has long left the
+/// doubles.
+class BoundedFactorial final : public mup::OprtFact {
+  public:
+    void Eval(mup::ptr_val_type& result, const mup::ptr_val_type* arguments, int count) override {
+        constexpr mup::int_type greatestFinite = 170;
+        if (arguments[0]->IsInteger() && arguments[0]->GetInteger() > greatestFinite)
+            *result = std::numeric_limits<double>::infinity();
+        else
+            OprtFact::Eval(result, arguments, count);
+    }
+    mup::IToken* Clone() const override { return new BoundedFactorial(*this); } // NOLINT: the library's
+};
+
+void limitLibrary(mup::ParserX& parser) {
     for (const char* name : {"zeros", "ones", "eye"}) {
         const mup::ptr_cal_type original(parser.GetFunDef().at(name)->AsICallback());
         parser.RemoveFun(name);
-        parser.DefineFun(mup::ptr_cal_type(new BoundedArray(original, std::string_view(name) == "eye")));
+        parser.DefineFun(mup::ptr_cal_type(new BoundedArray(original))); // NOLINT: the library owns it
     }
+    parser.RemovePostfixOprt("!");
+    parser.DefinePostfixOprt(
+        mup::TokenPtr<mup::IOprtPostfix>(new BoundedFactorial)); // NOLINT: the library owns it
 }
 
 template <class... Functions>
@@ -330,5 +348,5 @@ void defineEvaluatorFunctions(mup::ParserX& parser) {
     define<FN_Mean, FN_Delta, FN_Integrate, FN_mod, FN_CurrentTime, FN_LowPass, FN_HighPass, FN_FIR_Filter,
            FN_year, FN_month, FN_dayofmonth, FN_hour, FN_minute, FN_second, FN_dayofweek, FN_dayofyear,
            FN_mktimestamp, FN_percentile>(parser);
-    limitArrays(parser);
+    limitLibrary(parser);
 }

@@ -7,6 +7,6 @@ namespace mup {
 class ParserX;
 }
 
-/// Registers new function objects with `parser`. Each occurrence in an expression keeps its own state from
-/// row to row. Also puts a limit on the arrays that zeros, ones and eye make.
+/// Registers new function objects with `parser`: each occurrence in an expression keeps its own state from row
+/// to row. Also limits the arrays and factorials of the library.
 void defineEvaluatorFunctions(mup::ParserX& parser);
