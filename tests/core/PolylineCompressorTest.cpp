@@ -78,6 +78,7 @@ TEST(PolylineCompressor, KeepsTheFirstTheExtremesAndTheLastOfEachGroup) {
          {{1, 5}, {1, 9}, {1, 9}, {1, 2}, {1, 2}, {1, 5}, {3, 30}, {9, 40}},
          "M 0 1 3 5\nL 6\nL 7\n"},
         {"a gap breaks the line", {{1, 1}, {9, 9}, {nan, 0}, {20, 20}, {29, 29}}, "M 0\nL 1\nM 3\nL 4\n"},
+        {"a gap along one row of pixels", {{1, 1}, {5, 1}, {nan, 0}, {9, 1}, {20, 1}}, "M 0 1\nM 3\nL 4\n"},
         {"a gap within one pixel is ignored",
          {{1, 1}, {1.5F, 1.5F}, {nan, 0}, {1.2F, 1.2F}, {9, 9}},
          "M 0 1 3\nL 4\n"},

@@ -138,6 +138,14 @@ TEST(StrokeRasterizer, PaintsOverWhatWasPaintedBeforeAndForgets) {
     const Picture before = picture;
     rasterizer.paint(picture.grid(), colors);
     EXPECT_EQ(picture.pixels, before.pixels) << "nothing was left to paint";
+
+    std::vector<Picture> same(2);
+    StrokeRasterizer thin(width, height, 0.3);
+    for (Picture& each : same) {
+        stroke(thin, {{5, 3}, {20, 27}, {35, 3}});
+        thin.paint(each.grid(), colors);
+    }
+    EXPECT_EQ(same[0].pixels, same[1].pixels) << "a stroke leaves nothing behind";
 }
 
 TEST(StrokeRasterizer, TakesAnyFiniteCoordinates) {
