@@ -192,6 +192,7 @@ TEST(XPDataReader, KeepsTheColumnRangesWithTheTable) {
     const auto table = readAll(bufferOf("3,-1\n-2,\n0,5\n"), {1}).table;
     ASSERT_NE(table, nullptr);
     EXPECT_EQ(table->getRangeOfColumnIndexWithValidValuesInRange(1, {}), (XValueRange{-2, 3}));
+    EXPECT_TRUE(table->isSummarized()) << "computed on the reader's thread, not by who asks first";
     const XValueRange positive{XPTableData::smallestPositive, NAN};
     EXPECT_EQ(table->getRangeOfColumnIndexWithValidValuesInRange(2, positive), (XValueRange{5, 5}));
 }

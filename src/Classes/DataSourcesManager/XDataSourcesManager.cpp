@@ -8,8 +8,12 @@
 #include <utility>
 
 namespace {
-const QString identifierKey = QStringLiteral("PluginIdentifier");
-const QString settingsKey = QStringLiteral("Settings");
+QString identifierKey() {
+    return QStringLiteral("PluginIdentifier");
+}
+QString settingsKey() {
+    return QStringLiteral("Settings");
+}
 } // namespace
 
 XDataSource XDataSourcesManager::dataSourceAtIndex(std::size_t index) const {
@@ -30,9 +34,9 @@ void XDataSourcesManager::removeDataSourceAtIndex(std::size_t index) {
 QVariantList XDataSourcesManager::plist() const {
     QVariantList entries;
     for (const XDataSource& source : dataSources()) {
-        QVariantMap entry{{identifierKey, source->pluginIdentifier()}};
+        QVariantMap entry{{identifierKey(), source->pluginIdentifier()}};
         if (const auto settings = source->plist())
-            entry.insert(settingsKey, *settings);
+            entry.insert(settingsKey(), *settings);
         entries.append(entry);
     }
     return entries;
@@ -44,9 +48,9 @@ void XDataSourcesManager::loadFromPlist(const QVariant& plist) {
     std::size_t index = 0;
     for (const QVariant& each : plist.toList()) {
         const QVariantMap entry = each.toMap();
-        const QVariant settings = entry.value(settingsKey);
+        const QVariant settings = entry.value(settingsKey());
         const XDataSource source = XPluginsManager::sharedInstance().createPluginOfTypeSettings(
-            entry.value(identifierKey).toString(),
+            entry.value(identifierKey()).toString(),
             settings.typeId() == QMetaType::QVariantMap ? std::optional(settings.toMap()) : std::nullopt);
         if (source == nullptr)
             continue;

@@ -53,8 +53,8 @@ class XPTableData {
     const double* getColumnDataOfIndex(std::uint64_t index) const;
     /// The same with its length: empty for a bad index, and never longer than the storage.
     std::span<const double> column(std::uint64_t index) const;
-    /// The same, for a producer that writes its rows in any order or from several threads at once, after it has written
-    /// the last row. Forgets the ranges.
+    /// The same, for a producer that writes its rows in any order or from several threads at once, after it
+    /// has written the last row. Forgets the ranges.
     std::span<double> writableColumn(std::uint64_t index);
 
     /// Least and greatest finite value of a column within `validRange`; a bound that is not finite is open.
@@ -68,6 +68,7 @@ class XPTableData {
     /// Computes the ranges that fitting asks for (all values; positive values) of every column. The producer
     /// calls it last; a later write forgets them.
     void summarizeColumns();
+    bool isSummarized() const { return m_summariesHold; }
 
     void removeColumnsWithoutData();
     std::string debugDump() const;

@@ -3,7 +3,8 @@
 
 #include <limits>
 
-/// A plain pair. NaN in both says that nothing valid was found; as a filter, a bound that is not finite is open.
+/// A plain pair. NaN in both says that nothing valid was found; as a filter, a bound that is not finite is
+/// open.
 struct XValueRange {
     double minimum = std::numeric_limits<double>::quiet_NaN();
     double maximum = std::numeric_limits<double>::quiet_NaN();
