@@ -139,7 +139,8 @@ TEST(LogTicks, ofTheLinearBandFollowTheVisiblePart) {
         EXPECT_NEAR(first[1], row.next, tolerance) << row.name;
     }
     // 0.1 added three times to -0.3 is not zero.
-    for (const XAxisTick& tick : *make(Pseudo, {-0.35, 0.35, 500})->ticks())
+    const XAxisTicks nearZero = make(Pseudo, {-0.35, 0.35, 500})->ticks();
+    for (const XAxisTick& tick : *nearZero)
         EXPECT_GT(std::abs(tick.value), 1e-3) << "kept: zero has no mark where decades are wide";
     // A part that is narrower than a step has its minor marks all the same.
     const XAxisTicks end = make(Pseudo, {8, 1e4, 310})->ticks();
