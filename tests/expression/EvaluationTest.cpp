@@ -78,6 +78,7 @@ TEST(Evaluation, ErrorsThatEndItAreReportedAndDeliverNothing) {
         {u"speed*2"_qs, "Undefined token \"speed\""},
         {u"c2"_qs, "Undefined token \"c2\""},
         {u"\"speed\"*2"_qs, "\"*\""},
+        {u"c1>0 && (|| true)"_qs, "Unexpected operator \"||\" found at position 9."},
         {u"sin(1,2)"_qs, "Too many parameters"},
         {u"mean(c1,0)"_qs, "incorrect moving average size"},
         {u"mean(c1,100001)"_qs, "incorrect moving average size"},

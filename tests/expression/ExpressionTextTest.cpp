@@ -69,6 +69,16 @@ TEST(ExpressionText, ScansForWhatIsUsed) {
     EXPECT_EQ(expressionText::prepare(u"c9999+c10000"_qs, 20'000)->columns, std::vector<std::uint64_t>{9998});
 }
 
+TEST(ExpressionText, LogicalOperatorsNeedALeftSide) {
+    for (const char* text : {"&&", "c1>0 && (||true)", "true && || true", "false||sum(and0)", "(orange)",
+                             "1,or 2", "\"\\\"\"==(&&1)", "true # x\n||true", "!||true"})
+        EXPECT_TRUE(expressionText::misplacedLogicalOperator(text)) << text;
+    for (const char* text :
+         {"c1>0 && c2<3 || true", "(1<2)and(2<3)", "c1 and true", "c1' ||true", "5!||true", "{1}[0]||1",
+          "\"\\\"||\" == \"(&&\"", "floor(c1)", "true # ||", "c1 & 3 | 4", "", "1e5or 2."})
+        EXPECT_FALSE(expressionText::misplacedLogicalOperator(text)) << text;
+}
+
 TEST(ExpressionText, ReplacingEndsWhenItIsStopped) {
     const Names names(9999, "never there");
     const QString text = u"\"never there\"+"_qs.repeated(1000);

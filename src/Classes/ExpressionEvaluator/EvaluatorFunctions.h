@@ -7,6 +7,6 @@ namespace mup {
 class ParserX;
 }
 
-/// Registers new function objects with `parser`: each occurrence in an expression keeps its own state from row
-/// to row. Also limits the arrays and factorials of the library.
+/// Registers new function objects with `parser`: each occurrence in an expression keeps its own state from
+/// row to row. Also limits the arrays and factorials of the library.
 void defineEvaluatorFunctions(mup::ParserX& parser);

@@ -70,6 +70,36 @@ bool dependsOnRowOrder(std::string_view text) {
     return false;
 }
 
+/// The operator that `text` begins with, or nothing. The library sees "or" in "orange".
+std::string_view logicalOperatorAt(std::string_view text) {
+    for (const std::string_view name : {"&&", "||", "and", "or"}) {
+        if (text.starts_with(name))
+            return name;
+    }
+    return {};
+}
+
+/// Of a name or a number at the start of `text`, at least 1.
+std::size_t wordLength(std::string_view text) {
+    const auto* const end =
+        std::find_if_not(text.begin() + 1, text.end(), [](char c) { return isNameCharacter(c) || c == '.'; });
+    return static_cast<std::size_t>(end - text.begin());
+}
+
+/// Of a text in quotes, with backslashes before quotes that it contains, or of a comment up to the end of its
+/// line.
+std::size_t skippedLength(std::string_view text) {
+    if (text[0] == '#')
+        return std::min(text.find('\n'), text.size());
+    for (std::size_t i = 1; i < text.size(); ++i) {
+        if (text[i] == '\\')
+            ++i;
+        else if (text[i] == '"')
+            return i + 1;
+    }
+    return text.size();
+}
+
 std::string_view trimmed(std::string_view text) {
     const std::size_t first = text.find_first_not_of(' ');
     return first == std::string_view::npos ? std::string_view()
@@ -103,4 +133,31 @@ std::optional<PreparedExpression> expressionText::prepare(const QString& text, s
     prepared.dependsOnRowOrder = dependsOnRowOrder(prepared.text);
     prepared.bareColumn = columnOfVariable(trimmed(prepared.text), columnsNumber);
     return prepared;
+}
+
+std::optional<std::string> expressionText::misplacedLogicalOperator(std::string_view text) {
+    bool afterOperand = false;
+    for (std::size_t i = 0; i < text.size();) {
+        const std::string_view rest = text.substr(i);
+        const std::string_view logical = logicalOperatorAt(rest);
+        if (!logical.empty()) {
+            if (!afterOperand)
+                return "Unexpected operator \"" + std::string(logical) + "\" found at position " +
+                       std::to_string(i) + ".";
+            afterOperand = false;
+            i += logical.size();
+        } else if (isNameCharacter(rest[0]) || rest[0] == '.') {
+            afterOperand = true;
+            i += wordLength(rest);
+        } else if (rest[0] == '"' || rest[0] == '#') { // a text, a comment
+            afterOperand = afterOperand || rest[0] == '"';
+            i += skippedLength(rest);
+        } else {
+            const bool closesOperand = std::string_view(")]}").find(rest[0]) != std::string_view::npos;
+            const bool keepsOperand = std::string_view(" \t!'%").find(rest[0]) != std::string_view::npos;
+            afterOperand = closesOperand || (keepsOperand && afterOperand);
+            ++i;
+        }
+    }
+    return {};
 }

@@ -36,4 +36,8 @@ QString withColumnVariables(QString text, std::span<const std::string> columnNam
 /// Nothing if `text` is not ASCII. `columnsNumber` is that of the table.
 std::optional<PreparedExpression> prepare(const QString& text, std::uint64_t columnsNumber);
 
+/// The message for a logical operator (&&, ||, and, or) that has nothing to its left. The parser library does
+/// not look for that mistake: it reads beyond its stack.
+std::optional<std::string> misplacedLogicalOperator(std::string_view text);
+
 } // namespace expressionText

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <deque>
 #include <limits>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -59,6 +60,10 @@ class ParserRowEvaluator final : public RowEvaluator {
 
 /// Assigning a variable costs as much as an operation, so that those it cannot use are not even made.
 ParserRowEvaluator::ParserRowEvaluator(const PreparedExpression& expression, const XPTableData& table) {
+    if (auto misplaced = expressionText::misplacedLogicalOperator(expression.text)) {
+        m_setUpError = {true, std::move(*misplaced)};
+        return;
+    }
     try {
         m_parser.SetExpr(expression.text);
         defineEvaluatorFunctions(m_parser);
