@@ -226,7 +226,8 @@ void QXTabBar::paintEvent(QPaintEvent*) {
     const ThemeColors& colors = currentColors();
     painter.fillRect(rect(), colors.bezel);
     const double line = StylePainting::hairline(painter);
-    painter.fillRect(QRectF(0, height() - line, width(), line), colors.tabLine);
+    const QRectF foot(0, height() - line, width(), line);
+    painter.fillRect(StylePainting::onDevicePixels(painter, foot), colors.tabLine);
 }
 
 void QXTabBar::keyPressEvent(QKeyEvent* event) {

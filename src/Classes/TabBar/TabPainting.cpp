@@ -34,7 +34,8 @@ void draw(QPainter& painter, QSizeF size, bool selected, Outline style) {
     if (selected) {
         painter.fillPath(shape, colors.window);
         // Over the line at the bar's foot, so that the tab runs into its page.
-        painter.fillRect(QRectF(line, size.height() - line, size.width() - 2 * line, line), colors.window);
+        const QRectF foot(line, size.height() - line, size.width() - 2 * line, line);
+        painter.fillRect(StylePainting::onDevicePixels(painter, foot), colors.window);
     } else {
         QLinearGradient shade(0, 0, 0, size.height());
         QColor clear = colors.tabShade;

@@ -33,15 +33,20 @@ bool Appearance::userChoseStyle(int argc, const char* const* argv) {
     return !qEnvironmentVariableIsEmpty("QT_STYLE_OVERRIDE");
 }
 
-void Appearance::install(QApplication& application, bool userChoseStyle) {
+void Appearance::install(bool userChoseStyle) {
     m_fallback = themeOfPalette(QApplication::palette());
     m_ownsPalette = !userChoseStyle;
     if (m_ownsPalette)
         QApplication::setStyle(new VelquinStyle);
     applyTheme(m_fallback);
-    auto* watcher = new DesktopSettingsWatcher(&application);
-    connect(watcher, &DesktopSettingsWatcher::changed, this, &Appearance::apply);
-    watcher->start();
+}
+
+void Appearance::followDesktop() {
+    if (m_watcher != nullptr)
+        return;
+    m_watcher = new DesktopSettingsWatcher(qApp); // the bus goes before this object does
+    connect(m_watcher, &DesktopSettingsWatcher::changed, this, &Appearance::apply);
+    m_watcher->start();
 }
 
 void Appearance::setTheme(Theme theme) {

@@ -6,8 +6,6 @@
 
 #include <QObject>
 
-class QApplication;
-
 /// The program's look: the theme follows the desktop until `setTheme` pins it. Main thread.
 class Appearance : public QObject {
     Q_OBJECT
@@ -15,10 +13,12 @@ class Appearance : public QObject {
   public:
     static Appearance& instance();
 
-    /// Puts style and palette on the application and follows the desktop, unless the user chose a style of
-    /// their own (`-style` or QT_STYLE_OVERRIDE, which `userChoseStyle` reports): then only our own drawing
-    /// follows the palette that is there.
-    void install(QApplication& application, bool userChoseStyle);
+    /// Puts style and palette on the application, in the theme of the palette that the desktop gave it,
+    /// unless the user chose a style of their own (`-style` or QT_STYLE_OVERRIDE, which `userChoseStyle`
+    /// reports): then only our own drawing follows the palette that is there.
+    void install(bool userChoseStyle);
+    /// Asks the desktop for its theme and its wish for movement, and follows both from now on.
+    void followDesktop();
     /// Whether a style was asked for by environment or arguments. To be asked before QApplication is made,
     /// which takes its own arguments out of the list.
     static bool userChoseStyle(int argc, const char* const* argv);
@@ -39,6 +39,7 @@ class Appearance : public QObject {
     void apply(const DesktopSettings& settings);
     void applyTheme(Theme theme);
 
+    DesktopSettingsWatcher* m_watcher = nullptr;
     Theme m_theme = Theme::Light;
     bool m_pinned = false;
     bool m_animations = true;
