@@ -1,4 +1,4 @@
-// Reading: 1,000,000 x 6 numbers (64 MB) through the reader, and through plainer ways for comparison.
+// Reading: 1,000,000 x 6 numbers (62 MB) through the reader, and through plainer ways for comparison.
 //
 // Run bench_reading; each line's counter is the input that it gets through in a second. `reader/...` is the
 // whole road of the program: a file, its thread, 4,096 bytes at a time, conversion, the table, its column
@@ -29,7 +29,7 @@ namespace {
 
 constexpr std::size_t columns = 6;
 
-/// Comma-separated decimals of seven to thirteen characters, as instruments write them.
+/// Comma-separated decimals of mostly eight to eleven characters, as instruments write them.
 std::string makeText(std::size_t rows) {
     std::mt19937_64 random(42);
     std::string text;
