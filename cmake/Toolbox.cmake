@@ -16,8 +16,8 @@ if(VELQUIN_WERROR)
   target_compile_options(velquin_build_options INTERFACE -Werror)
 endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND (VELQUIN_SANITIZE OR CMAKE_BUILD_TYPE STREQUAL "Release"))
-  # GCC 12 reports null dereferences on paths that only its instrumentation or inlining creates.
-  target_compile_options(velquin_build_options INTERFACE -Wno-null-dereference)
+  # GCC 12 reports null dereferences and unset values on paths that only its instrumentation or inlining creates.
+  target_compile_options(velquin_build_options INTERFACE -Wno-null-dereference -Wno-maybe-uninitialized)
 endif()
 if(VELQUIN_SANITIZE)
   target_compile_options(velquin_build_options INTERFACE
