@@ -33,7 +33,9 @@ AssertionFailure::AssertionFailure(const std::string& text, std::string path, in
 
 AssertionScope::AssertionScope(AssertionPolicy policy) : m_previous(std::exchange(threadPolicy, policy)) {}
 
-AssertionScope::~AssertionScope() { threadPolicy = m_previous; }
+AssertionScope::~AssertionScope() {
+    threadPolicy = m_previous;
+}
 
 AssertionReporter setAssertionReporter(AssertionReporter reporter) {
     return std::exchange(reporterInForce(), std::move(reporter));

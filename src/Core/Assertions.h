@@ -52,13 +52,16 @@ struct PlacedText {
         : text(fixedText), file(atFile), line(atLine) {}
 };
 
-inline std::string argumentText(std::string_view value) { return std::string(value); }
+inline std::string argumentText(std::string_view value) {
+    return std::string(value);
+}
 template <std::integral T>
 std::string argumentText(T value) {
     return std::to_string(value);
 }
 
-/// Replaces the directives of `text` (%@, %s, %d, %ld, ...) by `arguments`, in order; "%%" is a per cent sign.
+/// Replaces the directives of `text` (%@, %s, %d, %ld, ...) by `arguments`, in order; "%%" is a per cent
+/// sign.
 std::string fillIn(std::string_view text, std::initializer_list<std::string> arguments);
 
 void fail(const PlacedText& where, const std::string& text);

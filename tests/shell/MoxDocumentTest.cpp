@@ -25,7 +25,8 @@ class MoxDocumentTest : public testing::Test {
 
     MoxDocument& document() { return *m_document; }
     XDataSource addText(const QString& text) {
-        return document().addDatasourceWithSettings(QLatin1String(XPTextEditor::identifier), {{u"Text"_qs, text}});
+        return document().addDatasourceWithSettings(QLatin1String(XPTextEditor::identifier),
+                                                    {{u"Text"_qs, text}});
     }
     /// Ends the event-loop turn, so that the next change is an undo step of its own.
     void nextTurn() { document().undoManager().closeTurnGroup(); }
@@ -177,8 +178,8 @@ TEST_F(MoxDocumentTest, structuralEditsAreUndoneAndRedone) {
 }
 
 TEST_F(MoxDocumentTest, undoRestoresAbsenceAndSourceSettings) {
-    const auto source = std::dynamic_pointer_cast<XPTextFile>(
-        document().addDatasourceWithSettings(QLatin1String(XPTextFile::identifier), {{u"Filename"_qs, u""_qs}}));
+    const auto source = std::dynamic_pointer_cast<XPTextFile>(document().addDatasourceWithSettings(
+        QLatin1String(XPTextFile::identifier), {{u"Filename"_qs, u""_qs}}));
     const XCurveHandle curve = document().addNewCurve();
     nextTurn();
     curve->setX_data_expression(u"row"_qs);

@@ -40,7 +40,8 @@ class XDataSourceProtocol : public Observable {
     /// Whether a read is under way; its end is announced after the table was installed.
     virtual bool isLoading() const = 0;
 
-    /// The current table; takes `tableMutex`. Setting it posts "kDataSource_Updated" after the lock is released.
+    /// The current table; takes `tableMutex`. Setting it posts "kDataSource_Updated" after the lock is
+    /// released.
     virtual XTable data() const = 0;
     virtual void setData(XTable table) = 0;
     /// "Row number", then one name per table column.

@@ -23,10 +23,11 @@ void perform(Work work);
 /// throws on behalf of a worker is rethrown on the worker.
 bool performAndWait(Work work);
 
-/// Runs the event loop until `done()` holds and no handed-over work waits: a result that was handed over before a
-/// worker became idle has then arrived. `done` is asked after every piece of work and every round of other events
-/// and stays true once it is. Main thread only. This is how the main thread waits for queues and readers: it never
-/// blocks on a worker. A worker that makes `done()` true must hand something over afterwards, if only `[] {}`.
+/// Runs the event loop until `done()` holds and no handed-over work waits: a result that was handed over
+/// before a worker became idle has then arrived. `done` is asked after every piece of work and every round of
+/// other events and stays true once it is. Main thread only. This is how the main thread waits for queues and
+/// readers: it never blocks on a worker. A worker that makes `done()` true must hand something over
+/// afterwards, if only `[] {}`.
 void runUntil(const std::function<bool()>& done);
 
 /// As `runUntil`, but serves handed-over work alone and no other events: for destructors. Ends early when the
