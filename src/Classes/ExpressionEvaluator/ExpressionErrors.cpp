@@ -49,7 +49,8 @@ std::string withoutTags(std::string_view message) {
 void expressionErrors::prepareLibrary() {
     // The library builds some of its tables at their first use: an erroneous expression touches them all.
     static const bool prepared = [] {
-        mup::ParserX::ResetErrorMessageProvider(new TaggedMessages); // NOLINT: the library owns it
+        static auto* const messages = new TaggedMessages; // the library owns it
+        mup::ParserX::ResetErrorMessageProvider(messages);
         mup::ParserX parser(mup::pckALL_NON_COMPLEX);
         try {
             parser.SetExpr("1+");
