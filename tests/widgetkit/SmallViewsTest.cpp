@@ -41,6 +41,7 @@ TEST(XMiniProgressIndicator, takesItsPercentageFromAnyThread) {
     XMiniProgressIndicator bar;
     std::thread worker([&bar] { bar.setPercentage(43); });
     worker.join();
+    EXPECT_EQ(bar.accessibleDescription(), QString()) << "a worker touches no widget";
     EXPECT_TRUE(support::waitUntil([&bar] { return bar.accessibleDescription() == QStringLiteral("43 %"); }));
     EXPECT_EQ(bar.percentage(), 43);
 

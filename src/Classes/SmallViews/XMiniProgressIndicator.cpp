@@ -36,7 +36,7 @@ void XMiniProgressIndicator::percentageChanged() {
 void XMiniProgressIndicator::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.fillRect(rect(), currentColors().window);
-    const double done = static_cast<double>(percentage());
+    const auto done = static_cast<double>(percentage());
     if (done > 0 && done < 100) {
         const QRectF part(0, 0, width() * done / 100, height());
         painter.fillRect(StylePainting::onDevicePixels(painter, part), currentColors().text2);

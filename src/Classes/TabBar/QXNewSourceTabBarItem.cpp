@@ -7,11 +7,7 @@
 
 QXNewSourceTabBarItem::QXNewSourceTabBarItem(Controller viewController, QWidget* parent)
     : QXTabBarItem(CloseButton::No, std::move(viewController), parent) {
-    setAccessibleName(title());
-}
-
-QString QXNewSourceTabBarItem::title() const {
-    return tr("New data source");
+    setAccessibleName(tr("New data source"));
 }
 
 QRect QXNewSourceTabBarItem::titleRect() const {

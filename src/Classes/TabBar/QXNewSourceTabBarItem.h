@@ -12,7 +12,6 @@ class QXNewSourceTabBarItem : public QXTabBarItem {
 
     int minWidth() const override { return 75; }
     int maxWidth() const override { return 75; }
-    QString title() const override;
     QRect titleRect() const override;
 
   protected:

@@ -37,7 +37,7 @@ class QXTabBarItem : public QWidget {
     const Controller& viewController() const { return m_viewController; }
     void setViewController(Controller viewController);
 
-    virtual QString title() const;
+    QString title() const; ///< the view controller's
     /// Room of the title, counted downwards.
     virtual QRect titleRect() const;
 

@@ -226,7 +226,7 @@ void bind(QActionGroup* choices, Observable& object, const char* key, ValueTrans
 }
 
 void unbind(QObject* control) {
-    const QObjectList children = control->children();
+    const auto children = control->findChildren<QObject*>(Qt::FindDirectChildrenOnly);
     for (QObject* child : children) {
         if (dynamic_cast<Binding*>(child) != nullptr)
             delete child;

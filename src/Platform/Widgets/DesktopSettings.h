@@ -34,10 +34,8 @@ class DesktopSettingsWatcher : public QObject {
   Q_SIGNALS:
     void changed(const DesktopSettings& settings);
 
-  private Q_SLOTS:
-    void settingChanged(const QString& nameSpace, const QString& key, const QDBusVariant& value);
-
   private:
+    Q_SLOT void settingChanged(const QString& nameSpace, const QString& key, const QDBusVariant& value);
     void answered(QDBusPendingCallWatcher* call);
 
     DesktopSettings m_settings;
