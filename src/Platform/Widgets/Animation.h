@@ -17,9 +17,9 @@ namespace Animation {
 QVariantAnimation* run(QObject& owner, int milliseconds, QEasingCurve::Type easing,
                        std::function<void(double)> step, std::function<void()> done = {});
 
-/// Fades a widget from its opacity to `opacity`, both 0 to 1. A later fade of the same widget takes over;
+/// Fades a widget from its opacity to another one, both 0 to 1. A later fade of the same widget takes over;
 /// the earlier one's `done` is not called then.
-void fade(QWidget& widget, double opacity, int milliseconds, std::function<void()> done = {});
+void fade(QWidget& widget, double to, int milliseconds, std::function<void()> done = {});
 
 double opacity(const QWidget& widget);
 void setOpacity(QWidget& widget, double opacity);

@@ -6,6 +6,7 @@
 #include <QApplication>
 
 #include <cstring>
+#include <memory>
 
 namespace {
 
@@ -37,7 +38,7 @@ void Appearance::install(bool userChoseStyle) {
     m_fallback = themeOfPalette(QApplication::palette());
     m_ownsPalette = !userChoseStyle;
     if (m_ownsPalette)
-        QApplication::setStyle(new VelquinStyle);
+        QApplication::setStyle(std::make_unique<VelquinStyle>().release()); // the application owns it
     applyTheme(m_fallback);
 }
 

@@ -5,7 +5,6 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
 #include <QDBusVariant>
 
 namespace {
@@ -55,8 +54,7 @@ void DesktopSettingsWatcher::start() {
 
 void DesktopSettingsWatcher::answered(QDBusPendingCallWatcher* call) {
     call->deleteLater();
-    const QDBusPendingReply<QDBusArgument> reply = *call;
-    const QDBusMessage message = reply.reply();
+    const QDBusMessage message = call->reply();
     if (message.type() != QDBusMessage::ReplyMessage || message.signature() != QLatin1String("a{sa{sv}}"))
         return;
     const auto settings =

@@ -29,6 +29,7 @@ constexpr int fieldHeight = 24;
 constexpr int buttonHeight = 26;
 constexpr int menuBarHeight = 26;
 constexpr int rowHeight = 22;
+constexpr int separatorHeight = 9;
 constexpr int scrollThumb = 6;
 
 /// By how much the system's font raises all heights.
@@ -237,6 +238,12 @@ QSize VelquinStyle::sizeFromContents(ContentsType type, const QStyleOption* opti
     }
     case CT_MenuBarItem:
         return {size.width() + 18, menuBarHeight + extra};
+    case CT_MenuItem: {
+        const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+        const bool separator = item != nullptr && item->menuItemType == QStyleOptionMenuItem::Separator;
+        return separator && item->text.isEmpty() ? QSize(result.width(), separatorHeight)
+                                                 : result.expandedTo(QSize(0, fieldHeight + extra));
+    }
     case CT_ItemViewItem:
         return result.expandedTo(QSize(0, rowHeight + extra));
     default:

@@ -352,8 +352,13 @@ void VelquinStyle::drawControl(ControlElement element, const QStyleOption* optio
     case CE_MenuItem:
         if (const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option)) {
             QStyleOptionMenuItem plain(*item);
-            if (has(option, State_Selected) && has(option, State_Enabled) &&
-                item->menuItemType != QStyleOptionMenuItem::Separator)
+            if (item->menuItemType == QStyleOptionMenuItem::Separator && item->text.isEmpty()) {
+                const QRectF middle(option->rect.left(), option->rect.center().y(), option->rect.width(),
+                                    StylePainting::hairline(*painter));
+                painter->fillRect(StylePainting::onDevicePixels(*painter, middle), colors.line);
+                return;
+            }
+            if (has(option, State_Selected) && has(option, State_Enabled))
                 drawBox(*painter, QRectF(option->rect).adjusted(4, 0, -4, 0), buttonRadius, colors.accentSoft,
                         {});
             plain.state.setFlag(State_Selected, false);
