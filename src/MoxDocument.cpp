@@ -102,7 +102,7 @@ void MoxDocument::addDataSourceAtIndex(const XDataSource& dataSource, int index)
             m_window->removeDropHereTab();
         tabIndex = m_window->addDataSourceTab(dataSource);
     }
-    m_dataSourcesManager->addDataSourceAtIndex(dataSource, index);
+    m_dataSourcesManager->addDataSourceAtIndex(dataSource, static_cast<std::size_t>(index));
     dataSource->read();
     xAssert(tabIndex == index, "Datasources/tabs order broken: newTabIndex=%d, index=%ld", tabIndex, index);
     m_undoManager.registerUndo([this, index] { removeDataSourceAtIndex(index); });
@@ -163,15 +163,14 @@ void MoxDocument::insertCurveAtIndex(const XCurveHandle& curve, int index) {
     updateChangeCount();
 }
 
-void MoxDocument::removeCurve(const XCurveHandle& curve) {
+void MoxDocument::removeCurve(XCurveHandle curve) {
     const auto index = static_cast<int>(curves().indexOf(curve));
     if (!xAssert(index >= 0, "document.curves doesn't contain curve %@",
                  curve ? curve->title().toStdString() : std::string("(null)")))
         return;
-    const XCurveHandle kept = curve; // the argument may be an element of the list that is replaced below
-    m_undoManager.registerUndo([this, kept, index] { insertCurveAtIndex(kept, index); });
+    m_undoManager.registerUndo([this, curve, index] { insertCurveAtIndex(curve, index); });
     m_undoManager.setActionName(u"Remove Curve"_qs);
-    stopObservingCurve(kept);
+    stopObservingCurve(curve);
     if (m_window != nullptr)
         m_window->removeCurveAtIndex(index);
     XCurves changed = curves();
@@ -181,7 +180,7 @@ void MoxDocument::removeCurve(const XCurveHandle& curve) {
 }
 
 XCurveHandle MoxDocument::addNewCurve() {
-    const XCurveHandle curve = XCurve::make();
+    XCurveHandle curve = XCurve::make();
     if (!m_dataSourcesManager->dataSources().empty())
         curve->setDataSource(m_dataSourcesManager->dataSourceAtIndex(0));
     curve->setY_data_index(1);

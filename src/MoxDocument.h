@@ -90,7 +90,8 @@ class MoxDocument : public Observable {
     void reloadData();
 
     void insertCurveAtIndex(const XCurveHandle& curve, int index);
-    void removeCurve(const XCurveHandle& curve);
+    /// By value: the argument may be an element of the list that is replaced.
+    void removeCurve(XCurveHandle curve);
     XCurveHandle addNewCurve();
     RgbaColor findBestColor() const;
 

@@ -1,5 +1,6 @@
 // The program's start: command line, application object, then a batch run or windows.
 #include "BatchRun.h"
+#include "Classes/ExpressionEvaluator/XExpressionEvaluator.h"
 #include "Classes/PlotView/PlotText.h"
 #include "Classes/PluginsManager/XPluginsManager.h"
 #include "CommandLine.h"
@@ -52,6 +53,14 @@ void setUpProgram() {
     XPluginsManager::setFactories({std::make_shared<XPTextFileFactory>()});
 }
 
+/// Evaluations end while the main thread's loop still serves them.
+struct EvaluatorEnd {
+    EvaluatorEnd() = default;
+    ~EvaluatorEnd() { XExpressionEvaluator::shutDown(); }
+    EvaluatorEnd(const EvaluatorEnd&) = delete;
+    EvaluatorEnd& operator=(const EvaluatorEnd&) = delete;
+};
+
 int runWithoutWindow(int argc, char** argv, const CommandLine& line) {
     qInstallMessageHandler(writeOwnMessages);
     qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -59,6 +68,7 @@ int runWithoutWindow(int argc, char** argv, const CommandLine& line) {
     const MainThreadLoop mainThreadLoop;
     setUpProgram();
     UserDefaults::standard().setReadOnly(true);
+    const EvaluatorEnd evaluatorEnd;
     return runBatch(line);
 }
 
@@ -67,12 +77,11 @@ int runWithWindows(int argc, char** argv, const CommandLine& line) {
     const MainThreadLoop mainThreadLoop;
     setUpProgram();
     const AssertionScope editsGoOn(AssertionPolicy::ReportOnly);
+    const EvaluatorEnd evaluatorEnd;
     return runWindows(line);
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int runProgram(int argc, char** argv) {
     QCoreApplication::setApplicationName(QStringLiteral("velquin"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VELQUIN_VERSION));
     const auto parsed = parseCommandLine(argumentsOf(argc, argv));
@@ -80,7 +89,7 @@ int main(int argc, char** argv) {
         reportFailure({}, wrong->reason + QStringLiteral(" (see velquin --help)"));
         return exitWrongUsage;
     }
-    const CommandLine& line = std::get<CommandLine>(parsed);
+    const auto& line = std::get<CommandLine>(parsed);
     if (line.help) {
         print(commandLineHelp());
         return 0;
@@ -89,10 +98,18 @@ int main(int argc, char** argv) {
         print(QStringLiteral("velquin " VELQUIN_VERSION "\n"));
         return 0;
     }
+    return line.hasOutputs() ? runWithoutWindow(argc, argv, line) : runWithWindows(argc, argv, line);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
     try {
-        return line.hasOutputs() ? runWithoutWindow(argc, argv, line) : runWithWindows(argc, argv, line);
+        return runProgram(argc, argv);
     } catch (const std::exception& error) {
-        reportFailure(line.files.join(u' '), QString::fromUtf8(error.what()));
-        return exitFailed;
+        std::fprintf(stderr, "velquin: %s\n", error.what());
+    } catch (...) {
+        std::fputs("velquin: unknown fault\n", stderr);
     }
+    return exitFailed;
 }

@@ -2,6 +2,7 @@
 #include "Core/PremultipliedColor.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -14,7 +15,7 @@ double unit(double value) {
 
 CoverageRamp coverageRamp(double red, double green, double blue, double alpha) {
     CoverageRamp ramp{};
-    const auto component = [](double value) { return static_cast<std::uint32_t>(value * 255 + 0.5); };
+    const auto component = [](double value) { return static_cast<std::uint32_t>(std::lround(value * 255)); };
     for (std::size_t coverage = 0; coverage < ramp.size(); ++coverage) {
         const double covered = unit(alpha) * static_cast<double>(coverage) / 255;
         ramp[coverage] = component(covered) << 24U | component(unit(red) * covered) << 16U |

@@ -10,7 +10,7 @@ namespace {
 constexpr std::int64_t secondsPerDay = 86400;
 constexpr std::int64_t secondsPer400Years = daysPer400Years * secondsPerDay;
 // No zone is further from UTC, whichever side of the date line it is on.
-constexpr std::int64_t farthestOffset = 26 * 3600;
+constexpr std::int64_t farthestOffset = 26LL * 3600;
 constexpr std::int64_t yearOne = -62135596800;
 constexpr std::int64_t year2500 = 16725225600;
 constexpr std::int64_t farthestYear = 95'100'000'000; // a little beyond the limit

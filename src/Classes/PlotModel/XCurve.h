@@ -149,7 +149,7 @@ class XCurve : public Observable {
     void setEvaluationProgress(Role role, float percentage);
     void expressionEvaluated(const QString& expression, const XTable& result, quint64 generation);
     void expressionFailed(const QString& expression, const QString& reason, quint64 generation);
-    void progressChanged(const QString& expression, float percentage);
+    void progressChanged(const QString& expression, float percentage, quint64 generation);
     XValueRange range(Role role, const XAxisHandle& axis) const;
     XTable lockedTable() const;
 

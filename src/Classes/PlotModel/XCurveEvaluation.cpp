@@ -29,9 +29,8 @@ class XCurve::EvaluationRelay : public XExpressionEvaluatorDelegate {
   public:
     explicit EvaluationRelay(std::weak_ptr<XCurve> curve) : m_curve(std::move(curve)) {}
 
-    void progressChangedPercentage(const QString& expression, float percentage,
-                                   quint64 /*generation*/) override {
-        perform([=](XCurve& curve) { curve.progressChanged(expression, percentage); });
+    void progressChangedPercentage(const QString& expression, float percentage, quint64 generation) override {
+        perform([=](XCurve& curve) { curve.progressChanged(expression, percentage, generation); });
     }
     void expressionEvaluatedData(const QString& expression, XTable result, quint64 generation) override {
         perform([=](XCurve& curve) { curve.expressionEvaluated(expression, result, generation); });
@@ -146,11 +145,12 @@ void XCurve::expressionFailed(const QString& expression, const QString& reason, 
 }
 
 /// Kept: of values that share a text only the first shows the progress, switched to its expression or not.
-void XCurve::progressChanged(const QString& expression, float percentage) {
+/// What an evaluation says that was started again meanwhile comes too late.
+void XCurve::progressChanged(const QString& expression, float percentage, quint64 generation) {
     const auto* const first = std::find_if(std::begin(allRoles), std::end(allRoles), [&](Role role) {
         return settings(role).expression == expression;
     });
-    if (first != std::end(allRoles))
+    if (first != std::end(allRoles) && generation >= m_generations[static_cast<std::size_t>(*first)])
         setEvaluationProgress(*first, percentage);
 }
 

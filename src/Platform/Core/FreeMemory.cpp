@@ -62,7 +62,7 @@ std::uint64_t leftInGroups(const FreeMemory::Sources& sources) {
         std::uint64_t left = leftInGroup(sources.groupsFolder);
         std::string folder = sources.groupsFolder;
         for (const auto& part : std::filesystem::path(line.substr(4))) {
-            folder += "/" + part.string();
+            folder.append("/").append(part.string());
             left = std::min(left, leftInGroup(folder));
         }
         return left;

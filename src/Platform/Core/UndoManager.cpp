@@ -3,6 +3,7 @@
 
 #include "Core/Assertions.h"
 
+#include <algorithm>
 #include <utility>
 
 UndoManager::UndoManager(QObject* parent) : QObject(parent) {}
@@ -112,8 +113,7 @@ void UndoManager::revert(std::vector<Group>& from, std::vector<Group>& to, Activ
         Q_EMIT changed();
     };
     try {
-        for (auto inverse = group.inverses.rbegin(); inverse != group.inverses.rend(); ++inverse)
-            (*inverse)();
+        std::for_each(group.inverses.rbegin(), group.inverses.rend(), [](const auto& inverse) { inverse(); });
     } catch (...) {
         m_cleanDepth.reset();
         finish();

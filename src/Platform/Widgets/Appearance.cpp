@@ -6,7 +6,6 @@
 #include <QApplication>
 
 #include <cstring>
-#include <memory>
 
 namespace {
 
@@ -38,7 +37,7 @@ void Appearance::install(bool userChoseStyle) {
     m_fallback = themeOfPalette(QApplication::palette());
     m_ownsPalette = !userChoseStyle;
     if (m_ownsPalette)
-        QApplication::setStyle(std::make_unique<VelquinStyle>().release()); // the application owns it
+        QApplication::setStyle(VelquinStyle::create());
     applyTheme(m_fallback);
 }
 

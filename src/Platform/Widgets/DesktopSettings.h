@@ -1,6 +1,7 @@
 // What the desktop wishes: dark windows or light ones, movement or none.
 #pragma once
 
+#include <QDBusVariant>
 #include <QMap>
 #include <QObject>
 #include <QString>
@@ -9,7 +10,6 @@
 #include <optional>
 
 class QDBusPendingCallWatcher;
-class QDBusVariant;
 
 struct DesktopSettings {
     std::optional<bool> prefersDark; ///< absent when the desktop does not say

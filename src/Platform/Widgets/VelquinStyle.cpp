@@ -60,6 +60,10 @@ VelquinStyle::VelquinStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral(
     setObjectName(QStringLiteral("velquin"));
 }
 
+QStyle* VelquinStyle::create() {
+    return new VelquinStyle;
+}
+
 void VelquinStyle::setFocusRingInside(QWidget& container) {
     container.setProperty(ringInsideProperty, true);
 }

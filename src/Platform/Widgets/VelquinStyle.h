@@ -13,6 +13,8 @@ class VelquinStyle : public QProxyStyle {
 
   public:
     VelquinStyle();
+    /// For `QApplication::setStyle`, which takes it over.
+    static QStyle* create();
 
     /// The focus rings of everything in `container` lie inside the controls' outlines, as tight rows of
     /// controls need; elsewhere they lie outside, one pixel off.
