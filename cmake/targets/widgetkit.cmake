@@ -55,7 +55,6 @@ velquin_library(widgetkit
     Platform/Widgets/ThemeColors.cpp
     Platform/Widgets/VelquinStyle.cpp
     Platform/Widgets/VelquinStyleDrawing.cpp
-  USES velquin_platform Qt6::Widgets Qt6::Svg
-  PRIVATE_USES Qt6::DBus)
+  USES velquin_platform Qt6::Widgets Qt6::Svg Qt6::DBus)
 target_sources(velquin_widgetkit PRIVATE ${CMAKE_SOURCE_DIR}/src/Resources/velquin.qrc)
 set_target_properties(velquin_widgetkit PROPERTIES AUTORCC ON AUTOUIC ON)

@@ -3,7 +3,6 @@
 
 #include <QDBusArgument>
 #include <QDBusConnection>
-#include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 
 namespace {
@@ -43,7 +42,7 @@ void DesktopSettingsWatcher::start() {
     if (!bus.isConnected())
         return;
     bus.connect(portalService, portalPath, settingsInterface, QStringLiteral("SettingChanged"), this,
-                SLOT(settingChanged(QString, QString, QDBusVariant)));
+                SLOT(settingChanged(QDBusMessage)));
     QDBusMessage question = QDBusMessage::createMethodCall(portalService, portalPath, settingsInterface,
                                                            QStringLiteral("ReadAll"));
     question << QStringList{appearance, gnomeInterface, kdeGlobals};
@@ -65,10 +64,12 @@ void DesktopSettingsWatcher::answered(QDBusPendingCallWatcher* call) {
     Q_EMIT changed(m_settings);
 }
 
-void DesktopSettingsWatcher::settingChanged(const QString& nameSpace, const QString& key,
-                                            const QDBusVariant& value) {
+void DesktopSettingsWatcher::settingChanged(const QDBusMessage& signal) {
+    const QVariantList arguments = signal.arguments(); // name space, key, value
+    if (arguments.size() != 3)
+        return;
     const DesktopSettings before = m_settings;
-    m_settings.take(nameSpace, key, unwrapped(value.variant()));
+    m_settings.take(arguments[0].toString(), arguments[1].toString(), unwrapped(arguments[2]));
     if (m_settings != before)
         Q_EMIT changed(m_settings);
 }

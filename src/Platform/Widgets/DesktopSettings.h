@@ -1,7 +1,7 @@
 // What the desktop wishes: dark windows or light ones, movement or none.
 #pragma once
 
-#include <QDBusVariant>
+#include <QDBusMessage>
 #include <QMap>
 #include <QObject>
 #include <QString>
@@ -35,7 +35,7 @@ class DesktopSettingsWatcher : public QObject {
     void changed(const DesktopSettings& settings);
 
   private:
-    Q_SLOT void settingChanged(const QString& nameSpace, const QString& key, const QDBusVariant& value);
+    Q_SLOT void settingChanged(const QDBusMessage& signal);
     void answered(QDBusPendingCallWatcher* call);
 
     DesktopSettings m_settings;
