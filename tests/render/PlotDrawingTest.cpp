@@ -114,6 +114,20 @@ TEST(PlotDrawing, labelsStandBelowAndLeftOfThePlotWithBandsInTheirColour) {
     EXPECT_THAT(y.lines, ElementsAre("text '0' 23.5,23 7x14 #000000", "text '5' 23.5,123 7x14 #000000"));
 }
 
+TEST(PlotDrawing, aSecondLineGivesWayToTheOneBeforeIt) {
+    GivenAxis axis(0, 300, 300);
+    axis.given = std::make_shared<const std::vector<XAxisTick>>(
+        std::vector<XAxisTick>{{100, QStringLiteral("12:00\nSat Jun 01"), {}, 0, 0},
+                               {150, QStringLiteral("00:00\nSun Jun 02"), {}, 0, 0},
+                               {200, QStringLiteral("00:00\nMon Jun 03"), {}, 0, 0}});
+    RecordingCanvas x;
+    PlotDrawing::drawAxis(x, AxisInView::x(axis, layout), styles, FixedMeasure());
+    ASSERT_EQ(x.lines.size(), 3U);
+    EXPECT_THAT(x.lines[0], testing::HasSubstr("Sat Jun 01"));
+    EXPECT_THAT(x.lines[1], testing::StartsWith("text '00:00' "));
+    EXPECT_THAT(x.lines[2], testing::HasSubstr("Mon Jun 03"));
+}
+
 TEST(PlotDrawing, titlesAreCentredOnThePlotAndEmptyOnesLeftOut) {
     RecordingCanvas canvas;
     PlotDrawing::drawAxisTitles(canvas, layout,

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -90,6 +91,7 @@ void drawLabels(PlotCanvas& canvas, const AxisInView& view, const XAxisColorRang
     if (!ticks)
         return;
     BandWalk walk(bands);
+    double secondLineEnd = std::numeric_limits<double>::lowest();
     for (const XAxisTick& tick : *ticks) {
         if (tick.level != 0)
             continue;
@@ -97,9 +99,18 @@ void drawLabels(PlotCanvas& canvas, const AxisInView& view, const XAxisColorRang
         const double pixel = view.axis.valueToPixel(tick.value + tick.tickTitleOffset);
         if (!(pixel >= 0 && view.margin + pixel < view.edge))
             continue;
-        const AttributedLabel label =
+        AttributedLabel label =
             tick.attributedTitle ? *tick.attributedTitle : plainLabel(tick.title.value_or(u""_s));
-        const QRectF rect = labelRect(view, pixel, measure.size(label, TextRole::TickLabel));
+        QRectF rect = labelRect(view, pixel, measure.size(label, TextRole::TickLabel));
+        // A second line is wider than the space between marks: it gives way to the one before it.
+        if (const qsizetype secondLine = label.text.indexOf(u'\n'); secondLine >= 0) {
+            if (view.direction == Qt::Horizontal && rect.left() < secondLineEnd) {
+                label = plainLabel(label.text.left(secondLine));
+                rect = labelRect(view, pixel, measure.size(label, TextRole::TickLabel));
+            } else {
+                secondLineEnd = rect.right();
+            }
+        }
         const bool highlighted = band != nullptr && !tick.attributedTitle;
         canvas.text(rect, label, TextRole::TickLabel,
                     styles.color(highlighted ? band->colorName : u"LabelColor"_s));
