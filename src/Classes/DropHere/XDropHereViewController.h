@@ -4,6 +4,7 @@
 #include "Platform/Core/XViewController.h"
 
 #include <QPointer>
+#include <QWidget>
 #include <QStringList>
 
 #include <memory>
