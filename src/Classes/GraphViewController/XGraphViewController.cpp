@@ -41,7 +41,9 @@ XGraphViewController::XGraphViewController(QObject* parent)
 XGraphViewController::~XGraphViewController() = default;
 
 void XGraphViewController::setDocument(MoxDocument* document) {
-    xAssert(document == nullptr || m_document == nullptr, "XGraphViewController already has a document!");
+    if (!xAssert(document == nullptr || m_document == nullptr,
+                 "XGraphViewController already has a document!"))
+        return;
     m_observation.end();
     m_document = document;
     if (document == nullptr)
