@@ -34,9 +34,7 @@ set(model_sources
   Classes/ValueEncodings/ColorEncoding.cpp
   Classes/ValueEncodings/XVelquin.cpp
 )
-if(TARGET velquin_reading AND TARGET velquin_axes AND model_sources)
-  velquin_library(model
-    HEADERS ${model_headers}
-    SOURCES ${model_sources}
-    USES velquin_reading velquin_axes velquin_expression Qt6::Gui)
-endif()
+velquin_library(model
+  HEADERS ${model_headers}
+  SOURCES ${model_sources}
+  USES velquin_reading velquin_axes velquin_expression Qt6::Gui)

@@ -32,9 +32,7 @@ set(render_sources
   Classes/PlotView/TitleLayout.cpp
   Classes/PlotView/XPlotViewRenderTask.cpp
 )
-if(TARGET velquin_model)
-  velquin_library(render
-    HEADERS ${render_headers}
-    SOURCES ${render_sources}
-    USES velquin_model Qt6::Gui Qt6::Svg)
-endif()
+velquin_library(render
+  HEADERS ${render_headers}
+  SOURCES ${render_sources}
+  USES velquin_model Qt6::Gui Qt6::Svg)

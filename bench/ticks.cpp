@@ -1,0 +1,58 @@
+// What a list of marks costs, for each kind of axis at the spans that people look at.
+#include "Classes/Axes/XAxis.h"
+#include "Classes/Axes/XAxisManager.h"
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+struct Scale {
+    const char* name;
+    const char* typeId;
+    double min;
+    double max;
+};
+
+constexpr double start = 1767229384; // on New Year's Day 2026
+constexpr double day = 86400;
+
+const Scale scales[] = {
+    {"numeric", "numeric", -3.7, 12.4},
+    {"log/3decades", "log", 0.5, 900},
+    {"log/400decades", "log", 1e-200, 1e200},
+    {"pseudolog", "pseudolog", -5000, 80000},
+    {"pseudolog/deepInTheBand", "pseudolog", 4, 4.000001},
+    {"timeline/100years", "timeline", start, start + 36500 * day},
+    {"timeline/10years", "timeline", start, start + 3650 * day},
+    {"timeline/1year", "timeline", start, start + 365 * day},
+    {"timeline/1month", "timeline", start, start + 30 * day},
+    {"timeline/1week", "timeline", start, start + 7 * day},
+    {"timeline/1day", "timeline", start, start + day},
+    {"timeline/1hour", "timeline", start, start + 3600},
+    {"timeline/1minute", "timeline", start, start + 60},
+    {"timeline/1second", "timeline", start, start + 1},
+};
+
+// The marks of a scale, and the weekends beside them, at the width of a plot on a large screen.
+void marks(benchmark::State& state, const Scale& scale) {
+    const auto axis = XAxisManager::sharedManager().createAxisWithTypeId(QString::fromLatin1(scale.typeId));
+    axis->setRangeMinMax(scale.min, scale.max);
+    axis->setPixelLength(2500);
+    std::size_t count = 0;
+    for (auto _ : state) {
+        axis->resetCachedValues();
+        const XAxisTicks ticks = axis->ticks();
+        benchmark::DoNotOptimize(axis->colors());
+        count = ticks->size();
+    }
+    state.counters["marks"] = static_cast<double>(count);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    for (const Scale& scale : scales)
+        benchmark::RegisterBenchmark(scale.name, marks, scale)->Unit(benchmark::kMicrosecond);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+}
