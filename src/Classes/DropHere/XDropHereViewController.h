@@ -4,8 +4,8 @@
 #include "Platform/Core/XViewController.h"
 
 #include <QPointer>
-#include <QWidget>
 #include <QStringList>
+#include <QWidget>
 
 #include <memory>
 
