@@ -123,7 +123,7 @@ TEST(LogTicks, ofTheLinearBandFollowTheVisiblePart) {
         {"one unit", {4, 5, 500}, 4.2, 4.4},
         {"a millionth", {4, 4.000001, 500}, 4.0000002, 4.0000004},
         {"next to zero", {0, 1e-9, 500}, 2e-10, 4e-10},
-        {"counted from zero", {3, 7.8, 240}, 4, 6},
+        {"counted from zero, wherever the range begins", {3.45, 3.83, 190}, 3.6, 3.8},
     };
     for (const Row& row : rows) {
         const XAxisTicks ticks = make(Pseudo, row.scale)->ticks();
