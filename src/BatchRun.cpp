@@ -9,6 +9,9 @@
 #include "OutputFile.h"
 #include "Platform/Core/MainThread.h"
 #include "Platform/Core/PropertyList.h"
+#include "Platform/Core/WholeWrite.h"
+
+#include <QFileInfo>
 
 #include <cstdio>
 
@@ -55,11 +58,12 @@ Failure writeSnapshot(const MoxDocument& document, const CommandLine& line, cons
 }
 
 Failure writeDocument(MoxDocument& document, const QString& output) {
-    if (output != u"-"_qs)
+    const QFileInfo info(output);
+    if (output != u"-"_qs && (!info.exists() || info.isFile() || info.isDir()))
         return failureOf(output, document.writeToFile(output));
     return failureOf(output, writeOutput(output, [&](QIODevice& device) {
                          const QByteArray bytes = PropertyList::writeXml(document.plist());
-                         return device.write(bytes) == bytes.size();
+                         return writeWhole(device, bytes.constData(), bytes.size());
                      }));
 }
 

@@ -4,6 +4,8 @@
 #include "Classes/Axes/XAxisManager.h"
 #include "Classes/PlotView/XPointsLibrary.h"
 
+#include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <span>
@@ -93,8 +95,10 @@ int shapeOf(const QString& text) {
 
 RgbaColor colorOf(const QString& text) {
     const QString digits = text.mid(1);
-    bool isHexadecimal = false;
-    const uint packed = digits.toUInt(&isHexadecimal, 16);
+    const bool isHexadecimal = std::all_of(digits.begin(), digits.end(), [](QChar digit) {
+        return digit.unicode() < 128 && std::isxdigit(digit.toLatin1()) != 0;
+    });
+    const uint packed = digits.toUInt(nullptr, 16);
     if (!text.startsWith(u'#') || digits.size() != 6 || !isHexadecimal)
         wrongUsage(u"--color takes #rrggbb, not \"%1\""_qs.arg(text));
     const auto channel = [packed](int shift) {

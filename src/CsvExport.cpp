@@ -1,6 +1,8 @@
 // Numbers to text in large blocks, column by column cell.
 #include "CsvExport.h"
 
+#include "Platform/Core/WholeWrite.h"
+
 #include <QIODevice>
 
 #include <algorithm>
@@ -47,8 +49,7 @@ class BlockWriter {
         return m_block.size() < blockSize || flush();
     }
     bool flush() {
-        const auto size = static_cast<qint64>(m_block.size());
-        const bool taken = m_device.write(m_block.data(), size) == size;
+        const bool taken = writeWhole(m_device, m_block.data(), static_cast<qint64>(m_block.size()));
         m_block.clear();
         return taken;
     }

@@ -9,6 +9,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
 
@@ -79,12 +80,16 @@ struct Value {
 };
 
 Value valueOf(const QString& text, const QStringList& columnNames) {
-    bool isInteger = false;
-    const qlonglong number = text.toLongLong(&isInteger);
-    if (isInteger && (number < 0 || number >= columnNames.size()))
-        return {.fault = u"there is no column %1, the last is %2"_qs.arg(number).arg(columnNames.size() - 1)};
-    if (isInteger)
-        return {.column = static_cast<int>(number)};
+    static const QRegularExpression integer(u"^\\s*[+-]?[0-9]+\\s*$"_qs);
+    if (integer.match(text).hasMatch()) {
+        bool fits = false;
+        const qlonglong number = text.toLongLong(&fits);
+        if (fits && number >= 0 && number < columnNames.size())
+            return {.column = static_cast<int>(number)};
+        return {
+            .fault =
+                u"there is no column %1, the last is %2"_qs.arg(shortened(text)).arg(columnNames.size() - 1)};
+    }
     if (const qsizetype named = columnNames.indexOf(text); named >= 0)
         return {.column = static_cast<int>(named)};
     return {.expression = text};

@@ -40,7 +40,7 @@ std::optional<QString> writeOutput(const QString& path, const std::function<bool
         return writeDirectly(file, write);
     }
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
         return file.errorString();
     if (!write(file)) {
         const QString reason = file.errorString();

@@ -37,7 +37,7 @@ class PendingRequest : public QObject {
         else if (const auto refused = applyRequest(document, m_file, m_line))
             m_window.showMessage(refused->file + u": "_qs + refused->reason);
         else
-            document.onFitToData();
+            m_window.fitToData();
     }
 
     PlotWindow& m_window;
@@ -47,21 +47,19 @@ class PendingRequest : public QObject {
     bool m_isDone = false;
 };
 
-/// Returns whether a window was opened.
-bool openWindow(const QString& file, const CommandLine& line) {
+/// Why no window was opened, if so.
+std::optional<RequestFailure> openWindow(const QString& file, const CommandLine& line) {
     std::variant<std::unique_ptr<MoxDocument>, RequestFailure> opened = std::make_unique<MoxDocument>();
     if (!file.isEmpty())
         opened = openRequested(file, line);
-    if (const auto* failure = std::get_if<RequestFailure>(&opened)) {
-        reportFailure(failure->file, failure->reason);
-        return false;
-    }
+    if (const auto* failure = std::get_if<RequestFailure>(&opened))
+        return *failure;
     const QString title = file.isEmpty() ? u"Velquin"_qs : QFileInfo(file).fileName() + u" — Velquin"_qs;
     auto* window = new PlotWindow(std::move(std::get<std::unique_ptr<MoxDocument>>(opened)), title);
     if (!file.isEmpty())
         new PendingRequest(*window, file, line); // the window owns it
     window->show();
-    return true;
+    return std::nullopt;
 }
 
 } // namespace
@@ -77,9 +75,16 @@ bool Application::notify(QObject* receiver, QEvent* event) {
 
 int runWindows(const CommandLine& line) {
     bool anyOpened = false;
-    for (const QString& file : line.files.isEmpty() ? QStringList{QString()} : line.files)
-        anyOpened = openWindow(file, line) || anyOpened;
-    const int exitCode = anyOpened ? QApplication::exec() : 1;
+    bool wrongUsage = false;
+    for (const QString& file : line.files.isEmpty() ? QStringList{QString()} : line.files) {
+        const std::optional<RequestFailure> failure = openWindow(file, line);
+        anyOpened = anyOpened || !failure;
+        if (failure) {
+            wrongUsage = wrongUsage || failure->wrongUsage;
+            reportFailure(failure->file, failure->reason);
+        }
+    }
+    const int exitCode = anyOpened ? QApplication::exec() : wrongUsage ? 2 : 1;
     // Windows that quitting left open go while there is an application: their documents end reads and
     // renderings.
     for (QWidget* window : QApplication::topLevelWidgets()) {

@@ -72,7 +72,18 @@ int runWithoutWindow(int argc, char** argv, const CommandLine& line) {
     return runBatch(line);
 }
 
+/// Without one the toolkit ends the program with a signal.
+bool isDisplayThere() {
+    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
+           qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+}
+
 int runWithWindows(int argc, char** argv, const CommandLine& line) {
+    qInstallMessageHandler(writeOwnMessages);
+    if (!isDisplayThere()) {
+        reportFailure({}, QStringLiteral("there is no display to open a window on"));
+        return exitFailed;
+    }
     const Application application(argc, argv);
     const MainThreadLoop mainThreadLoop;
     setUpProgram();

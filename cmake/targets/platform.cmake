@@ -14,6 +14,7 @@ velquin_library(platform
     Platform/Core/PropertyListFormats.h
     Platform/Core/UndoManager.h
     Platform/Core/UserDefaults.h
+    Platform/Core/WholeWrite.h
     Platform/Core/XViewController.h
   SOURCES
     Classes/ValueEncodings/LiteralDump.cpp

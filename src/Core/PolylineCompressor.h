@@ -32,7 +32,8 @@ class PolylineCompressor {
     /// edge.
     void setExtent(std::uint64_t width, std::uint64_t height);
 
-    /// Reads all data once. NaN and infinities break the line; a lone point between two breaks is dropped.
+    /// Reads all data once. NaN and infinities break the line.
+    /// Kept: a lone point between two breaks is dropped, since a single point makes no visible line.
     void run();
 
   private:

@@ -82,7 +82,7 @@ TEST(PolylineCompressor, KeepsTheFirstTheExtremesAndTheLastOfEachGroup) {
         {"a gap within one pixel is ignored",
          {{1, 1}, {1.5F, 1.5F}, {nan, 0}, {1.2F, 1.2F}, {9, 9}},
          "M 0 1 3\nL 4\n"},
-        {"a lone point between two gaps is dropped",
+        {"kept: a lone point between two gaps is dropped",
          {{1, 1}, {9, 9}, {nan, 0}, {20, 20}, {nan, 0}, {30, 30}, {39, 39}},
          "M 0\nL 1\nM 5\nL 6\n"},
         {"beyond one edge", {{-5, 1}, {-9, 9}, {-1, 20}, {10, 20}, {20, 30}}, "M 2 3\nL 4\n"},

@@ -35,7 +35,7 @@ TEST(Evaluation, Values) {
         {"sqrt(-c2)", {nan_, nan_, nan_}},
         {"c2>15", {0, 1, 1}},
         {"c2>15 ? c1 : -1", {-1, 2.5, nan_}},
-        {"c1=5", {5, 5, 5}},
+        {"c1==2.5 ? 5 : 6", {6, 5, 6}},
         {"eye(100)[1,1]+ones(100,100)[1,2]", {2, 2, 2}},
         {"170! < 171! && 1e18! == 171!", {1, 1, 1}},
         {"c1 # a comment", {1, 2.5, nan_}},
@@ -73,6 +73,8 @@ TEST(Evaluation, ErrorsThatEndItAreReportedAndDeliverNothing) {
         const char* reason;
     } rows[] = {
         {u"c1 +"_qs, "Unexpected end of expression found at position 4."},
+        {u"c1=5"_qs, "Nothing can be assigned: \"=\" at position 2 (\"==\" compares)."},
+        {u"c1<=2 ? row+=1 : 0"_qs, "Nothing can be assigned: \"=\" at position 12 (\"==\" compares)."},
         {u""_qs, "Expression is empty!"},
         {u"\"unclosed"_qs, "Unterminated string"},
         {u"speed*2"_qs, "Undefined token \"speed\""},

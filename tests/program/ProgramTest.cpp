@@ -57,6 +57,8 @@ TEST_P(ProgramFails, withOneLineAndItsExitCode) {
     folder.write(u"a.csv"_qs, smallTable);
     folder.write(u"bad.mox"_qs, "garbage");
     ::mkfifo(folder.path(u"pipe"_qs).toUtf8().constData(), 0600);
+    for (const QString& name : {u"full.svg"_qs, u"full.png"_qs, u"pipe.mox"_qs})
+        QFile::link(u"/dev/full"_qs, folder.path(name));
     const Outcome outcome = velquin(words(GetParam().arguments), folder);
     EXPECT_EQ(outcome.exitCode, GetParam().exitCode) << outcome.err.toStdString();
     EXPECT_EQ(outcome.err.count('\n'), 1) << outcome.err.toStdString();
@@ -77,6 +79,7 @@ INSTANTIATE_TEST_SUITE_P(
                     FailureRow{"a.csv --header --table -", 2, "--header"},
                     FailureRow{"a.csv --line-width 2 --y 1 --values -", 2, "before any --y"},
                     FailureRow{"a.csv --y 1 --opacity 0 --values -", 2, "--opacity"},
+                    FailureRow{"a.csv --y 1 --color #+12345 --values -", 2, "#rrggbb"},
                     FailureRow{"a.csv --y 1 --color red --values -", 2, "#rrggbb"},
                     FailureRow{"a.csv --y 1 --shape blob --values -", 2, "--shape takes"},
                     FailureRow{"a.csv --x-axis numerical --values -", 2, "--x-axis takes"},
@@ -100,6 +103,12 @@ INSTANTIATE_TEST_SUITE_P(
         FailureRow{"a.csv --delimiter comma --y -1 --values out.csv", 1, "no column -1"},
         FailureRow{"a.csv --delimiter comma --table nosuch/out.csv", 1, "nosuch/out.csv: "},
         FailureRow{"a.csv --delimiter comma --y 1 --snapshot nosuch/out.png", 1, "nosuch/out.png: "},
+        FailureRow{"a.csv --y 1 --snapshot full.svg", 1, "full.svg: No space left on device"},
+        FailureRow{"a.csv --y 1 --snapshot full.png", 1, "full.png: No space left on device"},
+        FailureRow{"a.csv --save pipe.mox", 1, "pipe.mox: "},
+        FailureRow{"a.csv --y 99999999999999999999 --values -", 1, "no column 99999999999999999999"},
+        FailureRow{"a.csv --y { --values -", 1, "expression \"{\""},
+        FailureRow{"a.csv --y c1=5 --values -", 1, "Nothing can be assigned"},
         FailureRow{"a.csv --table /dev/full", 1, "/dev/full: No space left on device"},
         FailureRow{"a.csv --save /dev/full/x.mox", 1, "x.mox: "}));
 
@@ -200,6 +209,26 @@ TEST(Program, aCommaLocaleChangesNoNumber) {
         velquin(words("a.csv --table - --y 1 --save d.mox"), folder, {u"LC_ALL=de_DE.UTF-8"_qs});
     EXPECT_EQ(outcome.out, "Row number,Column 1,Column 2\n0,1.5,2.25\n");
     EXPECT_TRUE(ScratchFolder::read(folder.path(u"d.mox"_qs)).contains("<real>"));
+}
+
+TEST(Program, withoutADisplayAWindowIsRefused) {
+    const ScratchFolder folder;
+    QProcess process;
+    QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        variables.remove(QLatin1String(name));
+    process.setProcessEnvironment(variables);
+    process.start(QStringLiteral(VELQUIN_PROGRAM), {folder.write(u"a.csv"_qs, smallTable)});
+    ASSERT_TRUE(process.waitForFinished(60'000));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(process.exitCode(), 1);
+    EXPECT_EQ(process.readAllStandardError(), "velquin: there is no display to open a window on\n");
+}
+
+TEST(Program, headerOfNumbersIsWrongUsageInAWindowToo) {
+    const ScratchFolder folder;
+    folder.write(u"a.csv"_qs, smallTable);
+    EXPECT_EQ(velquin(words("a.csv --header"), folder, {u"QT_QPA_PLATFORM=offscreen"_qs}).exitCode, 2);
 }
 
 TEST(Program, helpAndVersion) {

@@ -63,12 +63,29 @@ void expressionErrors::prepareLibrary() {
     static_cast<void>(prepared);
 }
 
+namespace {
+
+/// Syntax, type, name and argument errors end an evaluation. The library lists three faults of the text
+/// itself behind the errors of single rows.
+bool endsEvaluation(int code) {
+    switch (code) {
+    case mup::ecMISSING_SQR_BRACKET:
+    case mup::ecMISSING_CURLY_BRACKET:
+    case mup::ecUNKNOWN_ESCAPE_SEQUENCE:
+        return true;
+    default:
+        return code < mup::ecDOMAIN_ERROR;
+    }
+}
+
+} // namespace
+
 RowError expressionErrors::describe(mup::ParserError& error) {
     int code = error.GetCode();
     const std::string& inner = error.GetContext().Hint;
     if (code == mup::ecEVAL && !inner.empty())
         code = codeIn(inner).value_or(mup::ecUNDEFINED);
-    return {code < mup::ecDOMAIN_ERROR, withoutTags(error.GetMsg())};
+    return {endsEvaluation(code), withoutTags(error.GetMsg())};
 }
 
 RowError expressionErrors::describe(const std::exception& error) {

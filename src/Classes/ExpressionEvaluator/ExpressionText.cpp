@@ -161,3 +161,19 @@ std::optional<std::string> expressionText::misplacedLogicalOperator(std::string_
     }
     return {};
 }
+
+std::optional<std::string> expressionText::assignmentIn(std::string_view text) {
+    for (std::size_t i = 0; i < text.size();) {
+        const std::string_view rest = text.substr(i);
+        if (rest[0] == '"' || rest[0] == '#') { // a text, a comment
+            i += skippedLength(rest);
+            continue;
+        }
+        const bool isComparison = rest.size() > 1 && rest[1] == '=' &&
+                                  std::string_view("=<>!").find(rest[0]) != std::string_view::npos;
+        if (rest[0] == '=' && !isComparison)
+            return "Nothing can be assigned: \"=\" at position " + std::to_string(i) + " (\"==\" compares).";
+        i += isComparison ? 2 : 1;
+    }
+    return {};
+}

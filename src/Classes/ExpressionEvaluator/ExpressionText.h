@@ -40,4 +40,8 @@ std::optional<PreparedExpression> prepare(const QString& text, std::uint64_t col
 /// not look for that mistake: it reads beyond its stack.
 std::optional<std::string> misplacedLogicalOperator(std::string_view text);
 
+/// The message for an assignment ("c1 = 5", "row += 1"), which is most likely a comparison that misses a
+/// sign.
+std::optional<std::string> assignmentIn(std::string_view text);
+
 } // namespace expressionText

@@ -64,6 +64,10 @@ ParserRowEvaluator::ParserRowEvaluator(const PreparedExpression& expression, con
         m_setUpError = {true, std::move(*misplaced)};
         return;
     }
+    if (auto assignment = expressionText::assignmentIn(expression.text)) {
+        m_setUpError = {true, std::move(*assignment)};
+        return;
+    }
     try {
         m_parser.SetExpr(expression.text);
         defineEvaluatorFunctions(m_parser);

@@ -126,8 +126,8 @@ class XCurve : public Observable {
     /// Takes over what a task rendered; clears `needsRedraw` only if nothing changed since the snapshot
     /// (returns whether so). Main thread, under the curve's lock.
     bool acceptRendering(RenderedCurve rendering, quint64 changeCountOfSnapshot);
-    RenderedCurve rendering() const; ///< any thread, under the curve's lock
-    QImage renderedImage() const;
+    RenderedCurve rendering() const;
+    QImage renderedImage() const; ///< any thread, under the curve's lock
     void discardRenderedImage();
 
   private:

@@ -7,7 +7,9 @@
 #include "Classes/PlotView/TitleLayout.h"
 #include "Core/ClampToInt.h"
 #include "Platform/Core/MainThread.h"
+#include "Platform/Core/WholeWrite.h"
 
+#include <QBuffer>
 #include <QFileInfo>
 #include <QImageWriter>
 #include <QPageSize>
@@ -129,6 +131,21 @@ std::optional<QString> writePixels(QIODevice& device, const char* format, const 
     return writer.write(image) ? std::nullopt : std::optional(writer.errorString());
 }
 
+std::optional<QString> encodePicture(QBuffer& buffer, PictureFormat format, const PlotPictureOptions& options,
+                                     PictureSize size) {
+    switch (format) {
+    case PictureFormat::Png:
+        return writePixels(buffer, "png", options, size);
+    case PictureFormat::Jpeg:
+        return writePixels(buffer, "jpeg", options, size);
+    case PictureFormat::Pdf:
+        return writePdf(buffer, options, size) ? std::nullopt : std::optional(buffer.errorString());
+    case PictureFormat::Svg:
+        return writeSvg(buffer, options, size) ? std::nullopt : std::optional(buffer.errorString());
+    }
+    return u"Unknown picture format."_s;
+}
+
 } // namespace
 
 std::optional<PictureFormat> pictureFormatOfPath(const QString& path) {
@@ -166,17 +183,14 @@ QImage drawPicture(const PlotPictureOptions& options, PictureSize size) {
 
 std::optional<QString> writePicture(QIODevice& device, PictureFormat format,
                                     const PlotPictureOptions& options, PictureSize size) {
-    switch (format) {
-    case PictureFormat::Png:
-        return writePixels(device, "png", options, size);
-    case PictureFormat::Jpeg:
-        return writePixels(device, "jpeg", options, size);
-    case PictureFormat::Pdf:
-        return writePdf(device, options, size) ? std::nullopt : std::optional(device.errorString());
-    case PictureFormat::Svg:
-        return writeSvg(device, options, size) ? std::nullopt : std::optional(device.errorString());
-    }
-    return u"Unknown picture format."_s;
+    // Into memory first: neither painters nor encoders tell of a device that takes no more.
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    if (std::optional<QString> failure = encodePicture(buffer, format, options, size))
+        return failure;
+    if (!writeWhole(device, buffer.data().constData(), buffer.size()))
+        return device.errorString();
+    return std::nullopt;
 }
 
 std::optional<QString> writePicture(const QString& path, const PlotPictureOptions& options,
@@ -185,7 +199,7 @@ std::optional<QString> writePicture(const QString& path, const PlotPictureOption
     if (!format)
         return u"The file's ending is none of png, jpg, pdf and svg."_s;
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
         return file.errorString();
     if (std::optional<QString> failure = writePicture(file, *format, options, size))
         return failure;

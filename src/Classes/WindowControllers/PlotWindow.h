@@ -18,6 +18,7 @@ class PlotWindow : public QMainWindow {
     ~PlotWindow() override;
 
     MoxDocument& document() { return *m_document; }
+    void fitToData() { m_controller.fitToData(); }
     void showMessage(const QString& message);
 
   private:

@@ -19,6 +19,8 @@ constexpr double greatestFinite = std::numeric_limits<double>::max();
 constexpr std::uint64_t firstCapacity = 8;
 constexpr std::uint64_t lastDoubledCapacity = 999'999;
 constexpr std::uint64_t linearStep = 1'000'000;
+/// What a column counts for at the least: its bookkeeping takes about as much as so many rows.
+constexpr std::uint64_t leastRowsCounted = 32;
 /// Rows that are filled at a time: a page of each column, still in the cache when the values follow.
 constexpr std::uint64_t fillBlock = 512;
 
@@ -98,16 +100,22 @@ std::uint64_t XPTableData::rowsAllocated() const {
     return m_rowsAllocated;
 }
 
-/// Throws TableTooLarge; false when the system has no memory. Everything written so far stays either way.
-bool XPTableData::makeRoomFor(std::uint64_t col, std::uint64_t row) {
+void XPTableData::checkRoomFor(std::uint64_t col, std::uint64_t row) const {
     constexpr auto unreachable = std::numeric_limits<std::uint64_t>::max();
     if (col == unreachable || row == unreachable)
         throw TableTooLarge(col, row, unreachable);
     const std::uint64_t columns = std::max<std::uint64_t>(col + 1, m_columns.size());
-    const std::uint64_t rowsNeeded = std::max(row, m_rowsWritten) + 1;
-    const std::uint64_t bytes = saturatedProduct(saturatedProduct(columns, rowsNeeded), sizeof(double));
+    const std::uint64_t rows = std::max(row, m_rowsWritten) + 1;
+    const std::uint64_t bytes =
+        saturatedProduct(saturatedProduct(columns, std::max(rows, leastRowsCounted)), sizeof(double));
     if (bytes > m_memoryLimit || bytes == unreachable)
-        throw TableTooLarge(columns, rowsNeeded, bytes);
+        throw TableTooLarge(columns, rows, bytes);
+}
+
+/// Throws TableTooLarge; false when the system has no memory. Everything written so far stays either way.
+bool XPTableData::makeRoomFor(std::uint64_t col, std::uint64_t row) {
+    checkRoomFor(col, row);
+    const std::uint64_t columns = std::max<std::uint64_t>(col + 1, m_columns.size());
 
     if (row >= m_rowsAllocated || columns > m_columns.size()) {
         const bool resized = resizeColumns(columns, capacityFor(columns, row + 1));

@@ -36,6 +36,8 @@ class XPTableData {
 
     /// Bytes that the columns may take; growth beyond throws TableTooLarge. Unlimited at first.
     void setMemoryLimit(std::uint64_t bytes);
+    /// Throws TableTooLarge if a value at that place would take the table beyond its limit.
+    void checkRoomFor(std::uint64_t col, std::uint64_t row) const;
 
     /// Grows the table if needed, stores the value. Throws TableTooLarge, leaving the table as it was.
     /// Fails the assertion "rc_addr failed!" when the system has no memory.

@@ -6,7 +6,9 @@
 #include "EmbeddedPlugins/Common/XPTableData.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,7 +42,10 @@ class TableBuilder {
         double value = 0;
         if (!isInChunk(text) || !shortDecimal::read(text, value))
             value = textToDouble(text);
-        m_table.writeValueAtColRow(value, m_currentCol, m_currentRow);
+        if (m_currentCol >= m_columnsOfRowsBefore) [[unlikely]]
+            holdBack(value);
+        else
+            m_table.writeValueAtColRow(value, m_currentCol, m_currentRow);
         ++m_currentCol;
     }
 
@@ -51,12 +56,16 @@ class TableBuilder {
         } else if (m_linesLeftToSkip > 0) {
             --m_linesLeftToSkip;
         } else {
+            endRow();
             m_currentCol = 0;
             ++m_currentRow;
             if (m_selection.everyNthLine > 1)
                 m_linesLeftToSkip = m_selection.everyNthLine - 1;
         }
     }
+
+    /// The input has ended, perhaps without a line end.
+    void finish() { endRow(); }
 
     /// The line of the input that is being read, from 1, for messages. A carriage return and a line feed are
     /// one line end here; line ends within quotes do not count.
@@ -68,6 +77,21 @@ class TableBuilder {
         // By address, since the text may lie in another buffer: pointers into two arrays have no order.
         return address(text.data()) - address(m_chunk.data()) < m_chunk.size();
     }
+    /// A row that is wider than all before it makes every new column as long as the table. Its new values
+    /// wait for its end, so that the table grows once, or is refused before it grows.
+    void holdBack(double value) {
+        m_heldBack.push_back(value);
+        if (std::has_single_bit(m_heldBack.size()))
+            m_table.checkRoomFor(m_currentCol, m_currentRow);
+    }
+    void endRow() {
+        if (m_currentRow > 0 && m_heldBack.empty())
+            return;
+        for (std::size_t i = m_heldBack.size(); i-- > 0;) // the last column first
+            m_table.writeValueAtColRow(m_heldBack[i], m_columnsOfRowsBefore + i, m_currentRow);
+        m_heldBack.clear();
+        m_columnsOfRowsBefore = m_table.columnsNumber();
+    }
     void headerField(std::string_view text);
     void headerLine();
 
@@ -78,6 +102,9 @@ class TableBuilder {
     std::string_view m_chunk;
     std::uint64_t m_currentCol = 0;
     std::uint64_t m_currentRow = 0;
+    std::uint64_t m_columnsOfRowsBefore =
+        std::numeric_limits<std::uint64_t>::max(); ///< the first row is free
+    std::vector<double> m_heldBack;                ///< values of the current row from that column on
     std::uint64_t m_lineFeeds = 0;
     std::uint64_t m_carriageReturns = 0;
     std::vector<std::string> m_columnNames;

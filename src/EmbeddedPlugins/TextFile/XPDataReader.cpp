@@ -113,6 +113,7 @@ void XPDataReader::feed(Parser& parser, TableBuilder& builder) {
         const qint64 length = m_inputStream->read(chunk, chunkSize);
         if (length <= 0) {
             parser.finish(builder);
+            builder.finish();
             return;
         }
         const std::string_view bytes(chunk, static_cast<std::size_t>(length));
