@@ -22,6 +22,8 @@ namespace {
 
 constexpr int exitFailed = 1;
 constexpr int exitWrongUsage = 2;
+/// What the toolkit is given of the command line: it has options of its own that are called like ours.
+constexpr int onlyTheName = 1;
 
 QStringList argumentsOf(int argc, char** argv) {
     QStringList arguments;
@@ -61,9 +63,10 @@ struct EvaluatorEnd {
     EvaluatorEnd& operator=(const EvaluatorEnd&) = delete;
 };
 
-int runWithoutWindow(int argc, char** argv, const CommandLine& line) {
+int runWithoutWindow(char** argv, const CommandLine& line) {
     qInstallMessageHandler(writeOwnMessages);
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    int argc = onlyTheName;
     const QGuiApplication application(argc, argv);
     const MainThreadLoop mainThreadLoop;
     setUpProgram();
@@ -78,12 +81,13 @@ bool isDisplayThere() {
            qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
 }
 
-int runWithWindows(int argc, char** argv, const CommandLine& line) {
+int runWithWindows(char** argv, const CommandLine& line) {
     qInstallMessageHandler(writeOwnMessages);
     if (!isDisplayThere()) {
         reportFailure({}, QStringLiteral("there is no display to open a window on"));
         return exitFailed;
     }
+    int argc = onlyTheName;
     const Application application(argc, argv);
     const MainThreadLoop mainThreadLoop;
     setUpProgram();
@@ -109,7 +113,7 @@ int runProgram(int argc, char** argv) {
         print(QStringLiteral("velquin " VELQUIN_VERSION "\n"));
         return 0;
     }
-    return line.hasOutputs() ? runWithoutWindow(argc, argv, line) : runWithWindows(argc, argv, line);
+    return line.hasOutputs() ? runWithoutWindow(argv, line) : runWithWindows(argv, line);
 }
 
 } // namespace
