@@ -60,7 +60,7 @@ Failure writeSnapshot(const MoxDocument& document, const CommandLine& line, cons
 Failure writeDocument(MoxDocument& document, const QString& output) {
     const QFileInfo info(output);
     if (output != u"-"_qs && (!info.exists() || info.isFile() || info.isDir()))
-        return failureOf(output, document.writeToFile(output));
+        return failureOf(output, document.writeToURL(output));
     return failureOf(output, writeOutput(output, [&](QIODevice& device) {
                          const QByteArray bytes = PropertyList::writeXml(document.plist());
                          return writeWhole(device, bytes.constData(), bytes.size());

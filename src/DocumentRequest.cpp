@@ -175,7 +175,7 @@ std::variant<std::unique_ptr<MoxDocument>, RequestFailure> openRequested(const Q
     if (file.isEmpty())
         return RequestFailure{u"\"\""_qs, u"the file's name is empty"_qs};
     if (isDocument(file)) {
-        if (const std::optional<QString> reason = document->readFromFile(file))
+        if (const std::optional<QString> reason = document->readFromURL(file))
             return RequestFailure{file, *reason};
         if (changesTheSource(line))
             applySourceOptions(*document, line);

@@ -136,7 +136,7 @@ void MoxDocument::removeDataSourceAtIndex(int index) {
     stopObservingPlugin(source);
 }
 
-void MoxDocument::reloadData() {
+void MoxDocument::onReloadData() {
     for (const XDataSource& source : m_dataSourcesManager->dataSources())
         source->read();
 }

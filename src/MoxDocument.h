@@ -63,9 +63,9 @@ class MoxDocument : public Observable {
 
     /// Loads a document file into this fresh document; data sources start reading. On failure returns the
     /// reason and leaves the document closed.
-    std::optional<QString> readFromFile(const QString& path);
+    std::optional<QString> readFromURL(const QString& path);
     /// Writes the file atomically. On failure returns the reason; the old file and the edited mark stay.
-    std::optional<QString> writeToFile(const QString& path);
+    std::optional<QString> writeToURL(const QString& path);
     /// The file the document was read from or written to; empty for a new one.
     const QString& filePath() const { return m_filePath; }
     QVariantMap plist() const;
@@ -87,7 +87,7 @@ class MoxDocument : public Observable {
     /// While set, the tab bar itself is removing the tab of the source that is removed.
     void setDontDeleteTab(bool dont) { m_dontDeleteTab = dont; }
     /// Tells every data source to read again.
-    void reloadData();
+    void onReloadData();
 
     void insertCurveAtIndex(const XCurveHandle& curve, int index);
     /// By value: the argument may be an element of the list that is replaced.

@@ -40,7 +40,7 @@ QString textOf(const AssertionFailure& failure) {
 
 } // namespace
 
-std::optional<QString> MoxDocument::readFromFile(const QString& path) {
+std::optional<QString> MoxDocument::readFromURL(const QString& path) {
     const FileContent content = contentOf(path);
     if (!content.error.isEmpty())
         return content.error;
@@ -82,7 +82,7 @@ void MoxDocument::loadFromPlist(const QVariant& root) {
     onFitToData();
 }
 
-std::optional<QString> MoxDocument::writeToFile(const QString& path) {
+std::optional<QString> MoxDocument::writeToURL(const QString& path) {
     if (const auto failed = PropertyList::writeAtomically(path, PropertyList::writeXml(plist())))
         return failed->reason;
     m_filePath = path;

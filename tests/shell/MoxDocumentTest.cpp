@@ -71,24 +71,24 @@ TEST_F(MoxDocumentTest, savingAndOpeningGivesTheSameFile) {
     document().setAxisX_type(XAxisManager::sharedManager().axisInfoWithId(u"zen"_qs));
     document().setLegendMargins(QSizeF(3.5, 4));
     EXPECT_TRUE(document().isDocumentEdited());
-    ASSERT_EQ(document().writeToFile(folder.path(u"a.mox"_qs)), std::nullopt);
+    ASSERT_EQ(document().writeToURL(folder.path(u"a.mox"_qs)), std::nullopt);
     EXPECT_FALSE(document().isDocumentEdited());
 
     MoxDocument again;
-    ASSERT_EQ(again.readFromFile(folder.path(u"a.mox"_qs)), std::nullopt);
+    ASSERT_EQ(again.readFromURL(folder.path(u"a.mox"_qs)), std::nullopt);
     again.finishOpening();
     EXPECT_FALSE(again.isDocumentEdited());
     EXPECT_EQ(again.axisMinX(), 0.1);
     EXPECT_EQ(again.axisMaxX(), std::nullopt);
     EXPECT_EQ(again.axisX_type()->typeId(), u"zen"_qs);
-    ASSERT_EQ(again.writeToFile(folder.path(u"b.mox"_qs)), std::nullopt);
+    ASSERT_EQ(again.writeToURL(folder.path(u"b.mox"_qs)), std::nullopt);
     EXPECT_EQ(support::ScratchFolder::read(folder.path(u"a.mox"_qs)),
               support::ScratchFolder::read(folder.path(u"b.mox"_qs)));
 }
 
 TEST_F(MoxDocumentTest, aFailedSaveLeavesTheFileAndTheMark) {
     document().setPlotAreaTitle(u"new"_qs);
-    const std::optional<QString> reason = document().writeToFile(u"/proc/velquin-cannot-write-here.mox"_qs);
+    const std::optional<QString> reason = document().writeToURL(u"/proc/velquin-cannot-write-here.mox"_qs);
     ASSERT_TRUE(reason.has_value());
     EXPECT_FALSE(reason->isEmpty());
     EXPECT_TRUE(document().isDocumentEdited());
@@ -112,7 +112,7 @@ TEST_P(MoxDocumentRefuses, withAReasonAndWithoutACrash) {
     const support::AssertionRecorder assertions;
     const support::LogRecorder log;
     MoxDocument document;
-    const auto reason = document.readFromFile(folder.write(u"bad.mox"_qs, GetParam().bytes));
+    const auto reason = document.readFromURL(folder.write(u"bad.mox"_qs, GetParam().bytes));
     ASSERT_TRUE(reason.has_value()) << GetParam().name;
     EXPECT_TRUE(reason->contains(QLatin1String(GetParam().reasonPart))) << reason->toStdString();
     EXPECT_FALSE(assertions.texts().empty());
@@ -193,7 +193,7 @@ TEST_F(MoxDocumentTest, undoRestoresAbsenceAndSourceSettings) {
 
 TEST_F(MoxDocumentTest, whatMarksTheDocumentEdited) {
     const support::ScratchFolder folder;
-    const auto save = [&] { ASSERT_EQ(document().writeToFile(folder.path(u"d.mox"_qs)), std::nullopt); };
+    const auto save = [&] { ASSERT_EQ(document().writeToURL(folder.path(u"d.mox"_qs)), std::nullopt); };
     document().setLegendMargins(QSizeF(1, 2));
     EXPECT_FALSE(document().isDocumentEdited())
         << "kept: the legend's margins alone do not mark the document";

@@ -88,7 +88,7 @@ TEST(PlotWindow, closesInTheMiddleOfAReadAndARendering) {
     QPointer<PlotWindow> window = new PlotWindow(std::move(document), u"Test"_qs);
     window->show();
     ASSERT_TRUE(support::waitUntil([&] { return curve->snapshot().rows() > 0; }));
-    window->document().reloadData();
+    window->document().onReloadData();
     window->close();
     EXPECT_TRUE(support::waitUntil([&] { return window.isNull(); }));
 }
