@@ -163,7 +163,7 @@ void MoxDocument::insertCurveAtIndex(const XCurveHandle& curve, int index) {
     updateChangeCount();
 }
 
-void MoxDocument::removeCurve(XCurveHandle curve) {
+void MoxDocument::removeCurve(const XCurveHandle& curve) {
     const auto index = static_cast<int>(curves().indexOf(curve));
     if (!xAssert(index >= 0, "document.curves doesn't contain curve %@",
                  curve ? curve->title().toStdString() : std::string("(null)")))

@@ -90,8 +90,7 @@ class MoxDocument : public Observable {
     void onReloadData();
 
     void insertCurveAtIndex(const XCurveHandle& curve, int index);
-    /// By value: the argument may be an element of the list that is replaced.
-    void removeCurve(XCurveHandle curve);
+    void removeCurve(const XCurveHandle& curve);
     XCurveHandle addNewCurve();
     RgbaColor findBestColor() const;
 
