@@ -10,6 +10,7 @@ velquin_library(platform
     Platform/Core/NotificationCenter.h
     Platform/Core/Observable.h
     Platform/Core/OperationQueue.h
+    Platform/Core/PendingEdits.h
     Platform/Core/PropertyList.h
     Platform/Core/PropertyListFormats.h
     Platform/Core/UndoManager.h
