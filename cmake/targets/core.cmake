@@ -6,6 +6,7 @@ velquin_library(core
     Core/CivilDate.h
     Core/ClampToInt.h
     Core/ColorName.h
+    Core/LegendPlacement.h
     Core/NewCurveColor.h
     Core/NumberText.h
     Core/PixelMath.h
@@ -29,6 +30,7 @@ velquin_library(core
     Core/CalendarFields.cpp
     Core/CivilDate.cpp
     Core/ColorName.cpp
+    Core/LegendPlacement.cpp
     Core/NewCurveColor.cpp
     Core/NumberText.cpp
     Core/PolylineCompressor.cpp
