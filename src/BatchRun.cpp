@@ -49,9 +49,11 @@ Failure writeValues(const MoxDocument& document, const QString& output) {
 Failure writeSnapshot(const MoxDocument& document, const CommandLine& line, const QString& output) {
     const PictureSize size{line.width, line.height, line.scale};
     const PictureFormat format = pictureFormatOfPath(output).value_or(PictureFormat::Png);
+    PlotPictureOptions options = pictureOptionsOf(document);
+    options.showLegend = line.legend;
     std::optional<QString> reason;
     const std::optional<QString> failed = writeOutput(output, [&](QIODevice& device) {
-        reason = writePicture(device, format, pictureOptionsOf(document), size);
+        reason = writePicture(device, format, options, size);
         return !reason;
     });
     return failureOf(output, failed && reason ? reason : failed);

@@ -229,6 +229,8 @@ constexpr Option options[] = {
      [](Reading& r, const QString& o, const QString& text) { r.line.xRange = rangeOf(o, text); }},
     {"--y-range", "MIN:MAX", "the same for y",
      [](Reading& r, const QString& o, const QString& text) { r.line.yRange = rangeOf(o, text); }},
+    {"--legend", nullptr, "show the titles of the curves; pictures have no legend without it",
+     [](Reading& r, const QString&, const QString&) { r.line.legend = true; }},
     {"", nullptr, "Outputs, for one FILE, without a window (\"-\" is standard output):", nullptr},
     {"--snapshot", "FILE", "a picture: png, jpg, pdf or svg, by its ending",
      [](Reading& r, const QString&, const QString& text) { r.line.snapshots += snapshotPathOf(text); }},

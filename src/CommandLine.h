@@ -48,6 +48,7 @@ struct CommandLine {
     std::optional<QString> yAxis;
     std::optional<RangeRequest> xRange;
     std::optional<RangeRequest> yRange;
+    bool legend = false; ///< shown, and drawn into pictures
 
     // Outputs; "-" is standard output.
     QStringList snapshots;

@@ -4,6 +4,7 @@ set(render_headers
   Classes/PlotView/CurvePixelReader.h
   Classes/PlotView/CurveRenderer.h
   Classes/PlotView/FitToData.h
+  Classes/PlotView/LegendDrawing.h
   Classes/PlotView/PainterCanvas.h
   Classes/PlotView/PlotCanvas.h
   Classes/PlotView/PlotDrawing.h
@@ -21,6 +22,7 @@ set(render_sources
   Classes/PlotView/CurvePixelReader.cpp
   Classes/PlotView/CurveRenderer.cpp
   Classes/PlotView/FitToData.cpp
+  Classes/PlotView/LegendDrawing.cpp
   Classes/PlotView/PainterCanvas.cpp
   Classes/PlotView/PlotDrawing.cpp
   Classes/PlotView/PlotLayout.cpp

@@ -21,6 +21,8 @@ PlotPictureOptions pictureOptionsOf(const MoxDocument& document) {
     options.showOriginY = document.showOriginY();
     options.showHorizontalLines = document.showHorizontalLines();
     options.showVerticalLines = document.showVerticalLines();
+    options.legendAlignment = document.legendAlignment();
+    options.legendMargins = document.legendMargins();
     options.curves = document.curves();
     return options;
 }

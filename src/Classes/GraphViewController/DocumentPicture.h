@@ -5,5 +5,5 @@
 
 class MoxDocument;
 
-/// The document's options and curves as they are now.
+/// The document's options and curves as they are now, without a legend until the caller asks for one.
 PlotPictureOptions pictureOptionsOf(const MoxDocument& document);

@@ -2,6 +2,7 @@
 
 #include "Classes/Axes/XAxis.h"
 #include "Classes/Axes/XAxisManager.h"
+#include "Classes/PlotView/LegendDrawing.h"
 #include "Classes/PlotView/PainterCanvas.h"
 #include "Classes/PlotView/PlotScene.h"
 #include "Classes/PlotView/TitleLayout.h"
@@ -58,6 +59,14 @@ void setUp(PlotScene& scene, const PlotPictureOptions& options, const TitleLayou
     scene.calculateMargins(); // the labels have changed with the ranges
 }
 
+void drawLegend(PlotCanvas& canvas, const PlotLayout& layout, const PlotPictureOptions& options,
+                const TextMeasure& measure) {
+    const QPointF origin = LegendDrawing::placeInPlot(
+        LegendDrawing::boxSize(options.curves, measure),
+        {options.legendAlignment, options.legendMargins.width(), options.legendMargins.height()}, layout);
+    LegendDrawing::drawLegend(canvas, origin, options.curves, measure);
+}
+
 void paintPicture(QPainter& painter, PlotScene& scene, const PlotPictureOptions& options,
                   const TitleLayout& rooms, PictureSize size, PlotScene::CurveOutput curves) {
     const auto output = curves == PlotScene::CurveOutput::Vector ? PainterCanvas::Output::Vector
@@ -71,9 +80,11 @@ void paintPicture(QPainter& painter, PlotScene& scene, const PlotPictureOptions&
     PainterCanvas plot(painter, rooms.plotView.height(), output);
     // A label at the very edge may reach out of the plot's own area: paper has room for it.
     scene.draw(plot, QRectF(-rooms.plotView.topLeft(), QSizeF(size.width, size.height)), curves);
+    const FontTextMeasure measure;
+    if (options.showLegend)
+        drawLegend(plot, scene.layout(), options, measure);
     painter.restore();
 
-    const FontTextMeasure measure;
     PlotDrawing::drawTitleInRoom(page, rooms.plotAreaTitle, options.plotAreaTitle, TextRole::PlotTitle, false,
                                  styles, measure);
     PlotDrawing::drawTitleInRoom(page, rooms.axisTitleX, options.axisTitleX, TextRole::AxisTitle, false,

@@ -5,6 +5,7 @@
 
 #include <QImage>
 #include <QList>
+#include <QSizeF>
 #include <QString>
 
 #include <limits>
@@ -29,6 +30,9 @@ struct PlotPictureOptions {
     bool showOriginY = true;
     bool showHorizontalLines = true;
     bool showVerticalLines = true;
+    bool showLegend = false;
+    int legendAlignment = 0; ///< edges that the legend keeps its distance to, as in LegendAnchor
+    QSizeF legendMargins;
     QList<XCurveHandle> curves;
 };
 
