@@ -5,15 +5,20 @@ set(render_headers
   Classes/PlotView/CurveRenderer.h
   Classes/PlotView/FitToData.h
   Classes/PlotView/LegendDrawing.h
+  Classes/PlotView/MouseTicks.h
   Classes/PlotView/PainterCanvas.h
   Classes/PlotView/PlotCanvas.h
   Classes/PlotView/PlotDrawing.h
+  Classes/PlotView/PlotInteraction.h
   Classes/PlotView/PlotLayout.h
+  Classes/PlotView/PlotOverlay.h
   Classes/PlotView/PlotPicture.h
   Classes/PlotView/PlotScene.h
   Classes/PlotView/PlotStyles.h
   Classes/PlotView/PlotText.h
   Classes/PlotView/PointSprites.h
+  Classes/PlotView/RulerDrawing.h
+  Classes/PlotView/SelectionDrawing.h
   Classes/PlotView/TitleLayout.h
   Classes/PlotView/XPlotViewRenderTask.h
 )
@@ -23,14 +28,18 @@ set(render_sources
   Classes/PlotView/CurveRenderer.cpp
   Classes/PlotView/FitToData.cpp
   Classes/PlotView/LegendDrawing.cpp
+  Classes/PlotView/MouseTicks.cpp
   Classes/PlotView/PainterCanvas.cpp
   Classes/PlotView/PlotDrawing.cpp
+  Classes/PlotView/PlotInteraction.cpp
   Classes/PlotView/PlotLayout.cpp
   Classes/PlotView/PlotPicture.cpp
   Classes/PlotView/PlotScene.cpp
   Classes/PlotView/PlotStyles.cpp
   Classes/PlotView/PlotText.cpp
   Classes/PlotView/PointSprites.cpp
+  Classes/PlotView/RulerDrawing.cpp
+  Classes/PlotView/SelectionDrawing.cpp
   Classes/PlotView/TitleLayout.cpp
   Classes/PlotView/XPlotViewRenderTask.cpp
 )

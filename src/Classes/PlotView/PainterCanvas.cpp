@@ -83,23 +83,70 @@ void PainterCanvas::strokeRect(const QRectF& rect, const QColor& color) {
 
 void PainterCanvas::hairline(QPointF start, double length, Qt::Orientation direction, const QColor& color) {
     const bool horizontal = direction == Qt::Horizontal;
-    QRectF rect =
-        snapped(flipped(horizontal ? QRectF(start, QSizeF(length, 1)) : QRectF(start, QSizeF(1, length))));
-    if (horizontal)
+    const QRectF rect = horizontal ? QRectF(start, QSizeF(length, 1)) : QRectF(start, QSizeF(1, length));
+    fill(thinned(snapped(flipped(rect)), direction), color);
+}
+
+QRectF PainterCanvas::thinned(QRectF rect, Qt::Orientation direction) const {
+    if (direction == Qt::Horizontal)
         rect.setTop(rect.bottom() - hairlineWidth());
     else
         rect.setWidth(hairlineWidth());
-    fill(rect, color);
+    return rect;
+}
+
+// From where to where, in parts of its way, a line may be seen: one that ends far away has too many dashes.
+std::pair<double, double> PainterCanvas::seenPart(QPointF start, QPointF way) const {
+    std::pair<double, double> seen(0, 1);
+    if (!m_painter.hasClipping())
+        return seen;
+    const QRectF room = m_painter.clipBoundingRect().adjusted(-2, -2, 2, 2);
+    const auto limit = [&seen](double from, double step, double low, double high) {
+        if (step == 0) {
+            if (from < low || from > high)
+                seen.second = 0;
+            return;
+        }
+        const auto [enter, leave] = std::minmax((low - from) / step, (high - from) / step);
+        seen = {std::max(seen.first, enter), std::min(seen.second, leave)};
+    };
+    limit(start.x(), way.x(), room.left(), room.right());
+    limit(start.y(), way.y(), room.top(), room.bottom());
+    return seen;
 }
 
 void PainterCanvas::line(QPointF from, QPointF to, double dash, const QColor& color) {
+    const QPointF start = flipped(from);
+    const QPointF way = flipped(to) - start;
+    const double length = std::hypot(way.x(), way.y());
+    const auto [first, last] = seenPart(start, way);
+    if (!(first < last) || !(length > 0))
+        return;
+    if (snaps() && (way.x() == 0 || way.y() == 0)) {
+        // Each dash by itself, on whole device pixels.
+        const double period = dash > 0 ? 2 * dash : length;
+        const QSizeF across = way.x() == 0 ? QSizeF(1, 0) : QSizeF(0, 1);
+        for (double at = std::floor(first * length / period) * period; at < last * length; at += period) {
+            const QPointF ends[] = {start + way * (at / length),
+                                    start +
+                                        way * (std::min(length, at + (dash > 0 ? dash : length)) / length)};
+            const QRectF rect = QRectF(ends[0], ends[1]).normalized();
+            fill(thinned(snapped(rect.adjusted(-across.width() / 2, -across.height() / 2, across.width() / 2,
+                                               across.height() / 2)),
+                         way.x() == 0 ? Qt::Vertical : Qt::Horizontal),
+                 color);
+        }
+        return;
+    }
     QPen pen(color, hairlineWidth());
     pen.setCapStyle(Qt::FlatCap);
-    if (dash > 0)
+    if (dash > 0) {
         pen.setDashPattern({dash / hairlineWidth(), dash / hairlineWidth()});
+        pen.setDashOffset(std::fmod(first * length, 2 * dash) / hairlineWidth());
+    }
     m_painter.setRenderHint(QPainter::Antialiasing, true);
     m_painter.setPen(pen);
-    m_painter.drawLine(flipped(from), flipped(to));
+    m_painter.drawLine(start + way * first, start + way * last);
 }
 
 void PainterCanvas::gradient(const QRectF& rect, const QGradientStops& stops, int degrees) {

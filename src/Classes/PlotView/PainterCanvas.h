@@ -5,6 +5,8 @@
 
 #include <QTransform>
 
+#include <utility>
+
 /// Draws through a painter that the caller keeps, whose origin is the top left corner of an area of `height`
 /// points. Device pixels are those of the painter's own transformation, so an area may lie anywhere in a
 /// picture.
@@ -33,6 +35,8 @@ class PainterCanvas : public PlotCanvas {
     bool snaps() const;                       ///< whether device pixels are whole and upright here
     QRectF snapped(const QRectF& rect) const; ///< edges of a painter rectangle on device pixels
     double hairlineWidth() const;             ///< in points
+    QRectF thinned(QRectF rect, Qt::Orientation direction) const; ///< to a hairline, down or to the left
+    std::pair<double, double> seenPart(QPointF start, QPointF way) const;
     void fill(const QRectF& painterRect, const QColor& color);
     void textLine(QPointF baseline, const QString& text, QFont font, const QColor& color);
 

@@ -27,6 +27,16 @@ struct PlotLayout {
                 static_cast<double>(selfWidth), static_cast<double>(selfHeight)};
     }
 
+    /// Where the x axis's labels and marks stand, and where those of the y axis do.
+    QRectF bottomStrip() const {
+        return {static_cast<double>(marginLeft), 0, static_cast<double>(selfWidth),
+                static_cast<double>(tick_height + marginBottom)};
+    }
+    QRectF leftStrip() const {
+        return {0, static_cast<double>(marginBottom), static_cast<double>(tick_height + marginLeft),
+                static_cast<double>(selfHeight)};
+    }
+
     bool operator==(const PlotLayout&) const = default;
 };
 

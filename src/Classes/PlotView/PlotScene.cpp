@@ -3,7 +3,10 @@
 #include "Classes/Axes/XAxis.h"
 #include "Classes/PlotView/CurveRenderer.h"
 #include "Classes/PlotView/FitToData.h"
+#include "Classes/PlotView/MouseTicks.h"
 #include "Classes/PlotView/PlotCanvas.h"
+#include "Classes/PlotView/RulerDrawing.h"
+#include "Classes/PlotView/SelectionDrawing.h"
 #include "Classes/PlotView/XPlotViewRenderTask.h"
 #include "Core/ClampToInt.h"
 
@@ -56,6 +59,7 @@ void PlotScene::replaceAxis(XAxisHandle& place, XAxisHandle axis) {
     if (!axis || axis == place)
         return;
     axis->setRangeMinMax(place->minValue(), place->maxValue());
+    axis->setPixelLength(place->pixelLength()); // gestures may come before the next layout
     place = std::move(axis);
     m_renderTasksQueue.cancelAll(); // what is under way was made for an axis of another kind
     discardPrerenderedImages();
@@ -80,6 +84,7 @@ void PlotScene::setCurves(QList<XCurveHandle> curves) {
         m_curveObservations.emplace_back(*curve, curveKVOkeys,
                                          [this](const KeyChange& change) { observeValueForKeyPath(change); });
     assignAxes();
+    setNeedsDisplay();
 }
 
 void PlotScene::observeValueForKeyPath(const KeyChange& change) {
@@ -270,6 +275,34 @@ void PlotScene::drawQuickHelp(PlotCanvas&) const {}
 
 void PlotScene::drawLegend(PlotCanvas&) const {}
 
+void PlotScene::drawAxes(PlotCanvas& canvas, const QRectF& dirtyRect) {
+    const AxisInView x = AxisInView::x(*m_axisX, m_layout);
+    const AxisInView y = AxisInView::y(*m_axisY, m_layout);
+    const std::optional<QPointF> pointer =
+        overlay.selection.isEmpty() ? overlay.pointer() : std::optional<QPointF>();
+    if (dirtyRect == m_requestedDirtyRect) {
+        m_requestedDirtyRect = {};
+    } else {
+        PlotDrawing::drawAxis(canvas, x, m_styles, m_measure);
+        if (pointer)
+            PlotDrawing::drawMouseTick(canvas, x, m_layout.bottomStrip(), pointer->x(), m_styles, m_measure);
+        if (overlay.selection.isEmpty())
+            m_requestedDirtyRect = m_layout.leftStrip();
+    }
+    PlotDrawing::drawAxis(canvas, y, m_styles, m_measure);
+    if (pointer)
+        PlotDrawing::drawMouseTick(canvas, y, m_layout.leftStrip(), pointer->y(), m_styles, m_measure);
+}
+
+void PlotScene::drawOverlay(PlotCanvas& canvas) const {
+    if (overlay.mouseMode == zoomMouseMode)
+        PlotDrawing::drawSelection(canvas, m_layout, *m_axisX, *m_axisY, overlay.selection, m_styles);
+    else if (overlay.mouseMode == rulerMouseMode)
+        PlotDrawing::drawRuler(canvas, m_layout, *m_axisX, *m_axisY, overlay.selection, m_styles, m_measure);
+    if (overlay.crossHair)
+        PlotDrawing::drawCrossHair(canvas, m_layout, *overlay.crossHair, m_styles);
+}
+
 void PlotScene::draw(PlotCanvas& canvas, const QRectF& dirtyRect, CurveOutput output) {
     calculateMargins();
     const QRectF bounds(QPointF(0, 0), m_bounds);
@@ -290,8 +323,8 @@ void PlotScene::draw(PlotCanvas& canvas, const QRectF& dirtyRect, CurveOutput ou
     canvas.restore();
     if (output == CurveOutput::Vector) // the writer of scalable graphics ignores clips
         PlotDrawing::coverAround(canvas, dirtyRect.united(bounds), m_layout.plotRect(), m_styles);
-    PlotDrawing::drawAxis(canvas, AxisInView::x(*m_axisX, m_layout), m_styles, m_measure);
-    PlotDrawing::drawAxis(canvas, AxisInView::y(*m_axisY, m_layout), m_styles, m_measure);
+    drawAxes(canvas, dirtyRect);
+    drawOverlay(canvas);
     PlotDrawing::drawAxisTitles(canvas, m_layout, options.titles, m_styles, m_measure);
     canvas.restore();
 }

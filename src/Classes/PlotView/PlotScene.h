@@ -5,6 +5,7 @@
 #include "Classes/PlotModel/XCurve.h"
 #include "Classes/PlotView/PlotDrawing.h"
 #include "Classes/PlotView/PlotLayout.h"
+#include "Classes/PlotView/PlotOverlay.h"
 #include "Classes/PlotView/PlotStyles.h"
 #include "Platform/Core/NotificationCenter.h"
 #include "Platform/Core/OperationQueue.h"
@@ -33,7 +34,6 @@ struct PlotOptions {
     bool showHorizontalLines = false;
     bool showVerticalLines = false;
     bool showLegend = false;
-    bool stickyRuler = false;
     bool dimGrid = false; ///< hides grid and origin lines
 };
 
@@ -52,6 +52,7 @@ class PlotScene {
     PlotScene& operator=(const PlotScene&) = delete;
 
     PlotOptions options;
+    PlotOverlay overlay; ///< drawn over the plot; nothing unless a view fills it in
     /// Whether the axes follow the data; an edit of their ranges by the user ends that.
     bool autoFitToData = true;
 
@@ -85,6 +86,9 @@ class PlotScene {
     bool requestRenderings();
 
     void draw(PlotCanvas& canvas, const QRectF& dirtyRect, CurveOutput output = CurveOutput::Images);
+    /// What the last drawing asks to be drawn again: the strip of the y axis after the mouse's mark on the x
+    /// axis. Drawing exactly that strip leaves the x axis out and asks for nothing more.
+    const QRectF& requestedDirtyRect() const { return m_requestedDirtyRect; }
     /// Draws the images there are and queues tasks for those that are missing or stale.
     void renderData(PlotCanvas& canvas, CurveOutput output);
     /// Returns whether the image is up to date.
@@ -105,6 +109,8 @@ class PlotScene {
     bool isCurrent(const XCurve& curve, const RenderedCurve& rendering) const;
     void drawCurveAsVector(PlotCanvas& canvas, const XCurve& curve) const;
     void drawGrid(PlotCanvas& canvas) const;
+    void drawAxes(PlotCanvas& canvas, const QRectF& dirtyRect);
+    void drawOverlay(PlotCanvas& canvas) const;
 
     XAxisHandle m_axisX;
     XAxisHandle m_axisY;
@@ -114,6 +120,7 @@ class PlotScene {
     FontTextMeasure m_measure;
     PlotLayout m_layout;
     QSizeF m_bounds;
+    QRectF m_requestedDirtyRect;
     double m_devicePixelRatio = 1;
     std::chrono::milliseconds m_renderGrace{100};
     NotificationCenter::Registration m_updateRegistration;
