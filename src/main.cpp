@@ -5,10 +5,13 @@
 #include "Classes/PluginsManager/XPluginsManager.h"
 #include "CommandLine.h"
 #include "Core/Assertions.h"
+#include "EmbeddedPlugins/SourceViews.h"
 #include "EmbeddedPlugins/TextFile/XPTextFileFactory.h"
 #include "Platform/Core/Log.h"
 #include "Platform/Core/MainThread.h"
 #include "Platform/Core/UserDefaults.h"
+#include "Platform/Widgets/Appearance.h"
+#include "Platform/Widgets/Pictures.h"
 #include "WindowRun.h"
 
 #include <QApplication>
@@ -83,14 +86,19 @@ bool isDisplayThere() {
 
 int runWithWindows(char** argv, const CommandLine& line) {
     qInstallMessageHandler(writeOwnMessages);
+    const bool userChoseStyle = Appearance::userChoseStyle(onlyTheName, argv); // by the environment
     if (!isDisplayThere()) {
         reportFailure({}, QStringLiteral("there is no display to open a window on"));
         return exitFailed;
     }
     int argc = onlyTheName;
     const Application application(argc, argv);
+    Appearance::instance().install(userChoseStyle);
+    Appearance::instance().followDesktop();
+    QApplication::setWindowIcon(Pictures::applicationIcon());
     const MainThreadLoop mainThreadLoop;
     setUpProgram();
+    installSourceViews();
     const AssertionScope editsGoOn(AssertionPolicy::ReportOnly);
     const EvaluatorEnd evaluatorEnd;
     return runWindows(line);

@@ -14,11 +14,6 @@
 
 namespace {
 
-QString expandedPath(const QString& path) {
-    const bool home = path == QLatin1String("~") || path.startsWith(QLatin1String("~/"));
-    return home ? QDir::homePath() + path.mid(1) : path;
-}
-
 QString systemError(int number) {
     return QString::fromLocal8Bit(std::generic_category().message(number));
 }
@@ -32,6 +27,11 @@ std::optional<QString> refusalOf(const struct stat& status) {
 }
 
 } // namespace
+
+QString expandedPath(const QString& path) {
+    const bool home = path == QLatin1String("~") || path.startsWith(QLatin1String("~/"));
+    return home ? QDir::homePath() + path.mid(1) : path;
+}
 
 InputFile openInputFile(const QString& path) {
     const auto refuse = [](const QString& reason) { return InputFile{nullptr, 0, reason}; };

@@ -14,6 +14,9 @@ struct InputFile {
     QString refusal;             ///< why, in the system's words: "No such file or directory"
 };
 
+/// The path with "~" or "~/" at its start as the home folder.
+QString expandedPath(const QString& path);
+
 /// Opens `path`, where "~" and "~/" stand for the home folder and links are followed. Refuses an empty path,
 /// folders, and what is no regular file (a FIFO, socket or device would block, or worse).
 InputFile openInputFile(const QString& path);

@@ -1,0 +1,60 @@
+// The settings view of a text file: which file, how to split it, what came of it, what to do about it.
+#pragma once
+
+#include "EmbeddedPlugins/Common/SourceNotices.h"
+#include "EmbeddedPlugins/Common/SourcePage.h"
+
+#include <QPointer>
+#include <QString>
+
+#include <memory>
+#include <set>
+
+class NoticeBar;
+class QComboBox;
+class QFileDialog;
+
+namespace Ui {
+class XPTextFileConfig;
+}
+
+/// Every change of a setting reads the file again; the file's name is only ever changed by the user.
+class XPTextFileConfig : public SourcePage {
+    Q_OBJECT
+
+  public:
+    explicit XPTextFileConfig(QObject* parent = nullptr);
+    ~XPTextFileConfig() override;
+
+    /// Shows and observes a source from now on.
+    void setPlugin(XPTextFile* plugin);
+    /// Ties the controls; called once, by the constructor.
+    void awakeFromNib();
+
+    QComboBox* filenameCombobox() const;
+    QWidget* parsedDataBox() const;
+    NoticeBar* noticeBar() const;
+
+    /// Lets the user choose a file, in a panel that does not block.
+    void onBrowse();
+    /// Shows the preview anew, without reading.
+    void onReload();
+
+  protected:
+    void observeValueForKeyPath(const KeyChange& change) override;
+    QString surveyedPath() const override;
+    void surveyChanged() override;
+
+  private:
+    void bindControls();
+    void updateRecentFiles();
+    void chooseFilename(const QString& path);
+    void showNotice();
+    void onNoticeAction();
+
+    std::unique_ptr<Ui::XPTextFileConfig> m_ui;
+    SourceFacts m_facts;
+    QList<SourceNotice> m_notices; ///< that hold
+    std::set<NoticeKind> m_dismissed;
+    QPointer<QFileDialog> m_openPanel;
+};
