@@ -52,6 +52,8 @@ class XDataSourceProtocol : public Observable {
 
     /// Settings keys that the document observes for undo.
     virtual std::span<const char* const> kvoKeys() const = 0;
+    /// Other keys that are saved: assigning one marks the document edited, without a step to undo.
+    virtual std::span<const char* const> contentKeys() const { return {}; }
 
     /// Why the last read failed; empty when it did not. Neither saved nor undoable.
     virtual const QString& readError() const = 0;

@@ -49,6 +49,11 @@ std::span<const char* const> XPTextEditor::kvoKeys() const {
     return keys;
 }
 
+std::span<const char* const> XPTextEditor::contentKeys() const {
+    static constexpr std::array<const char*, 2> keys{"textData", "title"};
+    return keys;
+}
+
 std::optional<QVariantMap> XPTextEditor::plist() const {
     QVariantMap settings{{QStringLiteral("Title"), title()},
                          {QStringLiteral("DelimiterType"), qint64{delimiterType()}},

@@ -23,6 +23,7 @@ class XPTextEditor : public XPTextFile {
     std::optional<QVariantMap> plist() const override;
     void setPlist(const QVariantMap& settings) override;
     std::span<const char* const> kvoKeys() const override;
+    std::span<const char* const> contentKeys() const override;
     std::unique_ptr<XViewController> configViewController() override;
 
   protected:
