@@ -15,7 +15,8 @@ MAY_USE = {
     "render": ["model"],
     "widgetkit": ["platform"],
     "sourceviews": ["model", "widgetkit"],
-    "shell": ["render", "widgetkit"],
+    "sidebar": ["model", "widgetkit"],
+    "shell": ["render", "widgetkit", "sidebar"],
     "velquin": ["shell", "sourceviews"],
 }
 GENERATED = re.compile(r"(^|/)ui_\w+\.h$|\.moc$|(^|/)moc_\w+\.cpp$")

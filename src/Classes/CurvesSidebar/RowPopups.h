@@ -1,0 +1,39 @@
+// The pop-ups of a curve's row.
+#pragma once
+
+#include <QComboBox>
+
+/// Its box is painted inside its frame, 4 px narrower on either side and 3 px lower, so that a field that is
+/// laid out by the rule of frames falls on the very same pixels.
+class ColumnPopup : public QComboBox {
+    Q_OBJECT
+
+  public:
+    explicit ColumnPopup(QWidget* parent = nullptr);
+
+    /// Replaces the choices, unless they are the same; the one that is chosen stays by its number.
+    void setChoices(const QStringList& names);
+
+    static QRect boxOf(const QRect& frame) { return frame.adjusted(4, 3, -4, 0); }
+
+  protected:
+    void initStyleOption(QStyleOptionComboBox* option) const override;
+    void resizeEvent(QResizeEvent* event) override;
+    bool event(QEvent* event) override;
+
+  private:
+    QStringList m_names;
+};
+
+/// The point markers with their glyphs, in the order of the catalogue; the item's data is the marker.
+class ShapePopup : public QComboBox {
+    Q_OBJECT
+
+  public:
+    explicit ShapePopup(QWidget* parent = nullptr);
+
+    void showPopup() override;
+
+  protected:
+    void initStyleOption(QStyleOptionComboBox* option) const override;
+};

@@ -1,0 +1,47 @@
+// The one-line text fields of a curve's row.
+#pragma once
+
+#include <QLineEdit>
+
+/// Shows the beginning of its text while it is left alone, all of it as a tooltip when there is no room, and
+/// takes back with Escape what was typed since the last commit. With nothing typed, the keys of undo and redo
+/// are the window's.
+class RowTextField : public QLineEdit {
+    Q_OBJECT
+
+  public:
+    explicit RowTextField(QWidget* parent = nullptr);
+
+  protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+
+  private:
+    bool isPending() const { return text() != m_settledText; }
+    bool showsAll() const;
+
+    QString m_settledText; ///< as it was shown or committed last
+};
+
+/// Bold, and without a box until the pointer or the focus is in it.
+class TitleField : public RowTextField {
+    Q_OBJECT
+
+  public:
+    explicit TitleField(QWidget* parent = nullptr);
+
+    /// In the colour of hints, for a curve that is not drawn.
+    void setQuiet(bool quiet);
+
+  protected:
+    void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    void showWeight();
+    void showInk();
+
+    bool m_isQuiet = false;
+};

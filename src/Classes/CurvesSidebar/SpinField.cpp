@@ -1,0 +1,84 @@
+// Finds out which steps of a number belong together.
+#include "Classes/CurvesSidebar/SpinField.h"
+
+#include <QContextMenuEvent>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QSignalBlocker>
+
+#include <utility>
+
+namespace {
+
+bool isUndoOrRedo(const QKeyEvent& key) {
+    return key.matches(QKeySequence::Undo) || key.matches(QKeySequence::Redo);
+}
+
+} // namespace
+
+SpinField::SpinField(QWidget* parent) : QSpinBox(parent) {
+    setKeyboardTracking(false);
+    setButtonSymbols(NoButtons);
+    m_pause.setSingleShot(true);
+    m_pause.setInterval(pauseMilliseconds);
+    connect(&m_pause, &QTimer::timeout, this, &SpinField::endBurst);
+    connect(lineEdit(), &QLineEdit::textEdited, this, [this] {
+        endBurst();
+        m_isTyped = true;
+    });
+    connect(this, &QAbstractSpinBox::editingFinished, this, [this] { m_isTyped = false; });
+}
+
+void SpinField::stepBy(int steps) {
+    if (m_isTyped) { // a number of its own, before the steps
+        interpretText();
+        m_isTyped = false;
+    }
+    if (!std::exchange(m_isInBurst, true))
+        Q_EMIT burstBegan();
+    QSpinBox::stepBy(steps);
+    m_pause.start();
+}
+
+void SpinField::endBurst() {
+    m_pause.stop();
+    if (std::exchange(m_isInBurst, false))
+        Q_EMIT burstEnded();
+}
+
+bool SpinField::event(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride && !m_isTyped &&
+        isUndoOrRedo(*static_cast<QKeyEvent*>(event))) {
+        endBurst();
+        event->ignore();
+        return true;
+    }
+    return QSpinBox::event(event);
+}
+
+void SpinField::keyPressEvent(QKeyEvent* event) {
+    if (!m_isTyped && isUndoOrRedo(*event)) {
+        event->ignore();
+    } else if (m_isTyped && event->key() == Qt::Key_Escape) {
+        m_isTyped = false;
+        const QSignalBlocker silent(this);
+        const int shown = value(); // typing has changed the text alone
+        setValue(shown == minimum() ? maximum() : minimum());
+        setValue(shown);
+        selectAll();
+    } else {
+        QSpinBox::keyPressEvent(event);
+    }
+}
+
+void SpinField::focusOutEvent(QFocusEvent* event) {
+    QSpinBox::focusOutEvent(event);
+    endBurst();
+}
+
+void SpinField::contextMenuEvent(QContextMenuEvent* event) {
+    if (event->reason() == QContextMenuEvent::Keyboard)
+        event->ignore(); // the row's
+    else
+        QSpinBox::contextMenuEvent(event);
+}

@@ -1,0 +1,39 @@
+// The number fields of a curve's row.
+#pragma once
+
+#include <QSpinBox>
+#include <QTimer>
+
+/// Has no arrows: the arrow and page keys step it, and the wheel while it has the focus. Steps that follow
+/// each other within `pauseMilliseconds` are one burst; a typed number stands for itself. With nothing typed,
+/// the keys of undo and redo are the window's.
+class SpinField : public QSpinBox {
+    Q_OBJECT
+
+  public:
+    static constexpr int pauseMilliseconds = 800;
+
+    explicit SpinField(QWidget* parent = nullptr);
+
+    void stepBy(int steps) override;
+    bool isInBurst() const { return m_isInBurst; }
+
+  Q_SIGNALS:
+    /// Before the first step of a burst, and after its last one: when the steps pause, when the focus goes,
+    /// when something is typed or undone.
+    void burstBegan();
+    void burstEnded();
+
+  protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+
+  private:
+    void endBurst();
+
+    QTimer m_pause;
+    bool m_isInBurst = false;
+    bool m_isTyped = false; ///< since the last commit
+};
