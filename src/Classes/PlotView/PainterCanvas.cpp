@@ -3,6 +3,7 @@
 #include <QFontInfo>
 #include <QFontMetricsF>
 #include <QImage>
+#include <QLineF>
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPainterPath>
@@ -107,7 +108,7 @@ std::pair<double, double> PainterCanvas::seenPart(QPointF start, QPointF way) co
                 seen.second = 0;
             return;
         }
-        const auto [enter, leave] = std::minmax((low - from) / step, (high - from) / step);
+        const auto [enter, leave] = std::minmax({(low - from) / step, (high - from) / step});
         seen = {std::max(seen.first, enter), std::min(seen.second, leave)};
     };
     limit(start.x(), way.x(), room.left(), room.right());
@@ -115,38 +116,41 @@ std::pair<double, double> PainterCanvas::seenPart(QPointF start, QPointF way) co
     return seen;
 }
 
+// Each dash by itself, on whole device pixels.
+void PainterCanvas::uprightLine(QPointF start, QPointF end, double dash, const QColor& color) {
+    const auto direction = start.x() == end.x() ? Qt::Vertical : Qt::Horizontal;
+    const QPointF half = direction == Qt::Vertical ? QPointF(0.5, 0) : QPointF(0, 0.5);
+    const double length = QLineF(start, end).length();
+    const double on = dash > 0 ? dash : length;
+    for (double at = 0; at < length; at += on + dash) {
+        const QPointF from = start + (end - start) * (at / length);
+        const QPointF to = start + (end - start) * (std::min(at + on, length) / length);
+        const QRectF rect = QRectF(from, to).normalized();
+        fill(thinned(snapped({rect.topLeft() - half, rect.bottomRight() + half}), direction), color);
+    }
+}
+
 void PainterCanvas::line(QPointF from, QPointF to, double dash, const QColor& color) {
-    const QPointF start = flipped(from);
-    const QPointF way = flipped(to) - start;
+    const QPointF way = flipped(to) - flipped(from);
     const double length = std::hypot(way.x(), way.y());
-    const auto [first, last] = seenPart(start, way);
+    const auto [first, last] = seenPart(flipped(from), way);
     if (!(first < last) || !(length > 0))
         return;
+    // It begins with a whole dash, where that would begin if all of the line were drawn.
+    const double begin = dash > 0 ? std::floor(first * length / (2 * dash)) * 2 * dash / length : first;
+    const QPointF start = flipped(from) + way * begin;
+    const QPointF end = flipped(from) + way * last;
     if (snaps() && (way.x() == 0 || way.y() == 0)) {
-        // Each dash by itself, on whole device pixels.
-        const double period = dash > 0 ? 2 * dash : length;
-        const QSizeF across = way.x() == 0 ? QSizeF(1, 0) : QSizeF(0, 1);
-        for (double at = std::floor(first * length / period) * period; at < last * length; at += period) {
-            const QPointF ends[] = {start + way * (at / length),
-                                    start +
-                                        way * (std::min(length, at + (dash > 0 ? dash : length)) / length)};
-            const QRectF rect = QRectF(ends[0], ends[1]).normalized();
-            fill(thinned(snapped(rect.adjusted(-across.width() / 2, -across.height() / 2, across.width() / 2,
-                                               across.height() / 2)),
-                         way.x() == 0 ? Qt::Vertical : Qt::Horizontal),
-                 color);
-        }
+        uprightLine(start, end, dash, color);
         return;
     }
     QPen pen(color, hairlineWidth());
     pen.setCapStyle(Qt::FlatCap);
-    if (dash > 0) {
+    if (dash > 0)
         pen.setDashPattern({dash / hairlineWidth(), dash / hairlineWidth()});
-        pen.setDashOffset(std::fmod(first * length, 2 * dash) / hairlineWidth());
-    }
     m_painter.setRenderHint(QPainter::Antialiasing, true);
     m_painter.setPen(pen);
-    m_painter.drawLine(start + way * first, start + way * last);
+    m_painter.drawLine(start, end);
 }
 
 void PainterCanvas::gradient(const QRectF& rect, const QGradientStops& stops, int degrees) {

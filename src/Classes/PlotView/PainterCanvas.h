@@ -37,6 +37,7 @@ class PainterCanvas : public PlotCanvas {
     double hairlineWidth() const;             ///< in points
     QRectF thinned(QRectF rect, Qt::Orientation direction) const; ///< to a hairline, down or to the left
     std::pair<double, double> seenPart(QPointF start, QPointF way) const;
+    void uprightLine(QPointF start, QPointF end, double dash, const QColor& color);
     void fill(const QRectF& painterRect, const QColor& color);
     void textLine(QPointF baseline, const QString& text, QFont font, const QColor& color);
 
