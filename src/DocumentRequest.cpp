@@ -5,9 +5,7 @@
 #include "Classes/PlotView/XPointsLibrary.h"
 #include "EmbeddedPlugins/TextFile/XPTextFile.h"
 #include "MoxDocument.h"
-#include "Platform/Core/PropertyList.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 
@@ -15,7 +13,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 bytesToRecognise = 512;
 constexpr int delimiterNumbers = 0;
 constexpr qsizetype longestQuotedExpression = 200;
 
@@ -23,15 +20,6 @@ constexpr qsizetype longestQuotedExpression = 200;
 QString shortened(const QString& expression) {
     const QString line = expression.simplified();
     return line.size() <= longestQuotedExpression ? line : line.left(longestQuotedExpression) + u"…"_qs;
-}
-
-bool isDocument(const QString& path) {
-    if (path.endsWith(u".mox"_qs, Qt::CaseInsensitive))
-        return true;
-    QFile file(path);
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
-        return false;
-    return PropertyList::looksLikePropertyList(file.read(bytesToRecognise));
 }
 
 QVariantMap textFileSettings(const QString& path, const CommandLine& line) {
@@ -174,7 +162,7 @@ std::variant<std::unique_ptr<MoxDocument>, RequestFailure> openRequested(const Q
     auto document = std::make_unique<MoxDocument>();
     if (file.isEmpty())
         return RequestFailure{u"\"\""_qs, u"the file's name is empty"_qs};
-    if (isDocument(file)) {
+    if (MoxDocument::isDocument(file)) {
         if (const std::optional<QString> reason = document->readFromURL(file))
             return RequestFailure{file, *reason};
         if (changesTheSource(line))

@@ -9,9 +9,13 @@ class DocumentWindow {
   public:
     virtual ~DocumentWindow() = default;
 
-    /// Adds and selects a data source's tab; returns its index.
-    virtual int addDataSourceTab(const XDataSource& dataSource) = 0;
-    virtual void removeDataSourceTab(int index) = 0;
+    /// The tabs of data sources, the drop tab not counted.
+    virtual int dataSourceTabCount() const = 0;
+    /// Inserts and selects a data source's tab.
+    virtual void insertDataSourceTab(const XDataSource& dataSource, int index) = 0;
+    virtual void removeDataSourceTab(const XDataSource& dataSource) = 0;
+    /// Removes the tabs that stand for no source of the document.
+    virtual void removeTabsWithoutSource() = 0;
     virtual void addDropHereTab() = 0;
     virtual void removeDropHereTab() = 0;
     virtual void selectDataSourceTab(int index) = 0;
@@ -22,4 +26,7 @@ class DocumentWindow {
 
     /// Fits the plot to its data, if a plot is selected.
     virtual void fitToData() = 0;
+
+    /// The document is about to give its sources and curves up; nothing is told afterwards.
+    virtual void documentWillClose() = 0;
 };

@@ -12,6 +12,7 @@
 #include "Platform/Core/NotificationCenter.h"
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -29,6 +30,7 @@ constexpr const char* documentKeys[] = {
 
 MoxDocument::MoxDocument() : m_dataSourcesManager(std::make_unique<XDataSourcesManager>()) {
     m_axisX_type = m_axisY_type = XAxisManager::sharedManager().axisInfoWithId(u"numeric"_qs);
+    connect(this, &MoxDocument::editedChanged, this, &MoxDocument::updateEditedSince);
     connect(&m_undoManager, &UndoManager::changed, this, &MoxDocument::editedChanged);
 }
 
@@ -45,7 +47,8 @@ void MoxDocument::close() {
     if (m_closed)
         return;
     m_closed = true;
-    m_window = nullptr;
+    if (DocumentWindow* window = std::exchange(m_window, nullptr))
+        window->documentWillClose();
     while (!m_dataSourcesManager->dataSources().empty())
         removeDataSourceAtIndex(0);
     while (!curves().isEmpty())
@@ -95,16 +98,24 @@ void MoxDocument::pasteText(const QString& text) {
         textDropped(text);
 }
 
-void MoxDocument::addDataSourceAtIndex(const XDataSource& dataSource, int index) {
-    int tabIndex = index;
+void MoxDocument::addDataSourceAtIndex(const XDataSource& dataSource, int wantedIndex) {
+    const auto count = static_cast<int>(m_dataSourcesManager->dataSources().size());
+    int index = std::min(wantedIndex, count);
+    // A tab that outlived its source shifts those behind it.
+    const int newTabIndex = m_window == nullptr ? index : m_window->dataSourceTabCount() - (count - index);
+    if (!xAssert(newTabIndex == wantedIndex, "Datasources/tabs order broken: newTabIndex=%d, index=%ld",
+                 newTabIndex, wantedIndex)) {
+        index = count;
+        if (m_window != nullptr)
+            m_window->removeTabsWithoutSource();
+    }
     if (m_window != nullptr) {
-        if (m_dataSourcesManager->dataSources().empty())
+        if (count == 0)
             m_window->removeDropHereTab();
-        tabIndex = m_window->addDataSourceTab(dataSource);
+        m_window->insertDataSourceTab(dataSource, index);
     }
     m_dataSourcesManager->addDataSourceAtIndex(dataSource, static_cast<std::size_t>(index));
     dataSource->read();
-    xAssert(tabIndex == index, "Datasources/tabs order broken: newTabIndex=%d, index=%ld", tabIndex, index);
     m_undoManager.registerUndo([this, index] { removeDataSourceAtIndex(index); });
     m_undoManager.setActionName(u"Add Datasource"_qs);
     NotificationCenter::defaultCenter().post(Notifications::dataSourceWasAdded, dataSource.get());
@@ -125,7 +136,7 @@ void MoxDocument::removeDataSourceAtIndex(int index) {
     m_undoManager.setActionName(u"Remove Datasource"_qs); // after the curves, which name their own steps
     m_dataSourcesManager->removeDataSourceAtIndex(static_cast<std::size_t>(index));
     if (m_window != nullptr && !m_dontDeleteTab)
-        m_window->removeDataSourceTab(index);
+        m_window->removeDataSourceTab(source);
     NotificationCenter::defaultCenter().post(Notifications::dataSourceWasRemoved, source.get());
     source->clean(); // an observer may have started a read
     if (m_window != nullptr && m_dataSourcesManager->dataSources().empty()) {
@@ -221,9 +232,12 @@ void MoxDocument::stopObservingCurve(const XCurveHandle& curve) {
 }
 void MoxDocument::startObservingPlugin(const XDataSource& plugin) {
     observeForUndo(plugin, plugin->kvoKeys());
+    m_contentObservations[plugin.get()] =
+        Observation(*plugin, plugin->contentKeys(), [this](const KeyChange&) { updateChangeCount(); });
 }
 void MoxDocument::stopObservingPlugin(const XDataSource& plugin) {
     m_observations.erase(plugin.get());
+    m_contentObservations.erase(plugin.get());
 }
 
 void MoxDocument::updateChangeCount() {
@@ -233,6 +247,20 @@ void MoxDocument::updateChangeCount() {
 
 bool MoxDocument::isDocumentEdited() const {
     return m_changedWithoutUndo || !m_undoManager.isClean();
+}
+
+void MoxDocument::updateEditedSince() {
+    if (!isDocumentEdited())
+        m_editedSince.reset();
+    else if (!m_editedSince)
+        m_editedSince = QDateTime::currentDateTime();
+}
+
+void MoxDocument::setUnedited() {
+    m_changedWithoutUndo = false;
+    m_undoManager.removeAllActions();
+    m_undoManager.setClean();
+    Q_EMIT editedChanged();
 }
 
 // --- Window

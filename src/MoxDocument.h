@@ -9,6 +9,7 @@
 #include "Platform/Core/Observable.h"
 #include "Platform/Core/UndoManager.h"
 
+#include <QDateTime>
 #include <QList>
 #include <QSizeF>
 #include <QString>
@@ -56,7 +57,11 @@ class MoxDocument : public Observable {
     const XDataSourcesManager& dataSourcesManager() const { return *m_dataSourcesManager; }
     UndoManager& undoManager() { return m_undoManager; }
 
-    /// The window is told of every change from now on, and of what is there already by its own set-up.
+    /// Whether the file looks like a document: by its name, or as a property list.
+    static bool isDocument(const QString& path);
+
+    /// The window is told of every change from now on, and of what is there already by its own set-up. It is
+    /// told last that the document closes.
     void setWindow(DocumentWindow* window) { m_window = window; }
     /// Sources, undo limit and observation of the document's own keys; called once the document is filled.
     void finishOpening();
@@ -82,7 +87,9 @@ class MoxDocument : public Observable {
     void textDropped(const QString& text);
     /// Takes the text as a source while the document has none; otherwise does nothing.
     void pasteText(const QString& text);
-    void addDataSourceAtIndex(const XDataSource& dataSource, int index);
+    /// An index out of step with the tabs fails an assertion; then the stale tabs go and the source is
+    /// appended.
+    void addDataSourceAtIndex(const XDataSource& dataSource, int wantedIndex);
     void removeDataSourceAtIndex(int index);
     /// While set, the tab bar itself is removing the tab of the source that is removed.
     void setDontDeleteTab(bool dont) { m_dontDeleteTab = dont; }
@@ -100,6 +107,10 @@ class MoxDocument : public Observable {
 
     /// Whether there are changes that were not saved.
     bool isDocumentEdited() const;
+    /// When the first change was made that was not saved; absent while there is none.
+    const std::optional<QDateTime>& editedSince() const { return m_editedSince; }
+    /// What the document holds now needs no saving and cannot be undone.
+    void setUnedited();
     /// Removes sources and curves and forgets the history. The document is not used afterwards.
     void close();
 
@@ -119,13 +130,16 @@ class MoxDocument : public Observable {
     PlotAreaOptions plotAreaOptions() const;
     void applyPlotAreaOptions(const PlotAreaOptions& options);
     void updateChangeCount();
+    void updateEditedSince();
 
     std::unique_ptr<XDataSourcesManager> m_dataSourcesManager;
     UndoManager m_undoManager;
     DocumentWindow* m_window = nullptr;
     std::map<const Observable*, Observation> m_observations;
+    std::map<const Observable*, Observation> m_contentObservations;
     Observation m_ownObservation;
     QString m_filePath;
+    std::optional<QDateTime> m_editedSince;
     bool m_dontDeleteTab = false;
     bool m_changedWithoutUndo = false;
     bool m_closed = false;

@@ -15,6 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr qint64 bytesToRecognise = 512;
 constexpr qint64 greatestDocumentSize = 256LL * 1024 * 1024;
 
 struct FileContent {
@@ -39,6 +40,14 @@ QString textOf(const AssertionFailure& failure) {
 }
 
 } // namespace
+
+bool MoxDocument::isDocument(const QString& path) {
+    if (path.endsWith(u".mox"_qs, Qt::CaseInsensitive))
+        return true;
+    QFile file(path);
+    return QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly) &&
+           PropertyList::looksLikePropertyList(file.read(bytesToRecognise));
+}
 
 std::optional<QString> MoxDocument::readFromURL(const QString& path) {
     const FileContent content = contentOf(path);

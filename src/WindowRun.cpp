@@ -2,7 +2,8 @@
 #include "WindowRun.h"
 
 #include "BatchRun.h"
-#include "Classes/WindowControllers/PlotWindow.h"
+#include "Classes/WindowControllers/DocumentController.h"
+#include "Classes/WindowControllers/MoxDocumentWindow.h"
 #include "CommandLine.h"
 #include "DocumentRequest.h"
 #include "MoxDocument.h"
@@ -17,7 +18,7 @@ namespace {
 /// of its state, until it is done.
 class PendingRequest : public QObject {
   public:
-    PendingRequest(PlotWindow& window, QString file, CommandLine line)
+    PendingRequest(MoxDocumentWindow& window, QString file, CommandLine line)
         : QObject(&window), m_window(window), m_file(std::move(file)), m_line(std::move(line)) {
         static constexpr const char* keys[] = {"isLoading"};
         for (const XDataSource& source : window.document().dataSourcesManager().dataSources()) {
@@ -38,9 +39,11 @@ class PendingRequest : public QObject {
             m_window.showMessage(refused->file + u": "_qs + refused->reason);
         else
             m_window.fitToData();
+        if (document.filePath().isEmpty()) // the command line can be given again
+            document.setUnedited();
     }
 
-    PlotWindow& m_window;
+    MoxDocumentWindow& m_window;
     const QString m_file;
     const CommandLine m_line;
     std::vector<Observation> m_observations;
@@ -48,17 +51,20 @@ class PendingRequest : public QObject {
 };
 
 /// Why no window was opened, if so.
-std::optional<RequestFailure> openWindow(const QString& file, const CommandLine& line) {
-    std::variant<std::unique_ptr<MoxDocument>, RequestFailure> opened = std::make_unique<MoxDocument>();
-    if (!file.isEmpty())
-        opened = openRequested(file, line);
+std::optional<RequestFailure> openWindow(DocumentController& documents, const QString& file,
+                                         const CommandLine& line) {
+    if (file.isEmpty() && line.files.isEmpty()) {
+        documents.newDocument();
+        return std::nullopt;
+    }
+    if (documents.windowOfFile(file) != nullptr)
+        return std::nullopt; // named twice
+    auto opened = openRequested(file, line);
     if (const auto* failure = std::get_if<RequestFailure>(&opened))
         return *failure;
-    const QString title = file.isEmpty() ? u"Velquin"_qs : QFileInfo(file).fileName() + u" — Velquin"_qs;
-    auto* window = new PlotWindow(std::move(std::get<std::unique_ptr<MoxDocument>>(opened)), title);
-    if (!file.isEmpty())
-        new PendingRequest(*window, file, line); // the window owns it
-    window->show();
+    MoxDocumentWindow& window = documents.showDocument(
+        std::move(std::get<std::unique_ptr<MoxDocument>>(opened)), QFileInfo(file).completeBaseName());
+    new PendingRequest(window, file, line); // the window owns it
     return std::nullopt;
 }
 
@@ -74,22 +80,18 @@ bool Application::notify(QObject* receiver, QEvent* event) {
 }
 
 int runWindows(const CommandLine& line) {
+    // Windows that quitting leaves open go while there is an application: their documents end reads and
+    // renderings.
+    DocumentController documents;
     bool anyOpened = false;
     bool wrongUsage = false;
     for (const QString& file : line.files.isEmpty() ? QStringList{QString()} : line.files) {
-        const std::optional<RequestFailure> failure = openWindow(file, line);
+        const std::optional<RequestFailure> failure = openWindow(documents, file, line);
         anyOpened = anyOpened || !failure;
         if (failure) {
             wrongUsage = wrongUsage || failure->wrongUsage;
             reportFailure(failure->file, failure->reason);
         }
     }
-    const int exitCode = anyOpened ? QApplication::exec() : wrongUsage ? 2 : 1;
-    // Windows that quitting left open go while there is an application: their documents end reads and
-    // renderings.
-    for (QWidget* window : QApplication::topLevelWidgets()) {
-        if (qobject_cast<PlotWindow*>(window) != nullptr)
-            delete window;
-    }
-    return exitCode;
+    return anyOpened ? QApplication::exec() : wrongUsage ? 2 : 1;
 }

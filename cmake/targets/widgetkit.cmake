@@ -21,10 +21,12 @@ velquin_library(widgetkit
     Classes/TabBar/QXTabBarItemDelegate.h
     Classes/TabBar/TabAccessibility.h
     Classes/TabBar/TabPainting.h
+    Platform/Widgets/Alerts.h
     Platform/Widgets/Animation.h
     Platform/Widgets/Appearance.h
     Platform/Widgets/Binding.h
     Platform/Widgets/DesktopSettings.h
+    Platform/Widgets/FilePanels.h
     Platform/Widgets/FlippedGeometry.h
     Platform/Widgets/Pictures.h
     Platform/Widgets/StylePainting.h
@@ -46,10 +48,12 @@ velquin_library(widgetkit
     Classes/TabBar/QXTabBarItem.cpp
     Classes/TabBar/TabAccessibility.cpp
     Classes/TabBar/TabPainting.cpp
+    Platform/Widgets/Alerts.cpp
     Platform/Widgets/Animation.cpp
     Platform/Widgets/Appearance.cpp
     Platform/Widgets/Binding.cpp
     Platform/Widgets/DesktopSettings.cpp
+    Platform/Widgets/FilePanels.cpp
     Platform/Widgets/Pictures.cpp
     Platform/Widgets/StylePainting.cpp
     Platform/Widgets/ThemeColors.cpp

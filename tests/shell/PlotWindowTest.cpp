@@ -1,5 +1,4 @@
-// A document's plot in its window: the page follows the document, and closing ends what is under way.
-#include "Classes/WindowControllers/PlotWindow.h"
+// A document's plot: the page follows the document.
 #include "Classes/Axes/XAxis.h"
 #include "Classes/Axes/XAxisManager.h"
 #include "Classes/GraphViewController/XGraphViewController.h"
@@ -8,8 +7,6 @@
 #include "EmbeddedPlugins/TextFile/XPTextFileFactory.h"
 #include "MoxDocument.h"
 #include "support/TestSupport.h"
-
-#include <QPointer>
 
 #include <gtest/gtest.h>
 
@@ -77,20 +74,6 @@ TEST_F(PlotPageTest, takesOneDocumentAtATime) {
     controller.setDocument(&other);
     EXPECT_EQ(assertions.texts(), std::vector<std::string>{"XGraphViewController already has a document!"});
     EXPECT_EQ(controller.document(), &document);
-}
-
-TEST(PlotWindow, closesInTheMiddleOfAReadAndARendering) {
-    XPluginsManager::setFactories({std::make_shared<XPTextFileFactory>()});
-    auto document = std::make_unique<MoxDocument>();
-    document->addDatasourceWithSettings(QLatin1String(XPTextEditor::identifier),
-                                        {{u"Text"_qs, QString(u"1 2\n"_qs).repeated(200'000)}});
-    const XCurveHandle curve = document->addNewCurve();
-    QPointer<PlotWindow> window = new PlotWindow(std::move(document), u"Test"_qs);
-    window->show();
-    ASSERT_TRUE(support::waitUntil([&] { return curve->snapshot().rows() > 0; }));
-    window->document().onReloadData();
-    window->close();
-    EXPECT_TRUE(support::waitUntil([&] { return window.isNull(); }));
 }
 
 } // namespace

@@ -1,0 +1,46 @@
+#include "Classes/WindowControllers/DataSourceTab.h"
+
+#include "EmbeddedPlugins/TextFile/XPTextFile.h"
+
+#include <array>
+
+namespace {
+
+constexpr std::array<const char*, 1> filenameKey{"filename"};
+constexpr std::array<const char*, 2> pageKeys{"fault", "status"};
+
+/// The settings view refers to its source, which therefore goes after it.
+QXTabBarItem::Controller makePage(const XDataSource& source) {
+    std::unique_ptr<XViewController> page = source->configViewController();
+    if (page == nullptr)
+        return nullptr;
+    return {page.release(), [source](XViewController* controller) { delete controller; }};
+}
+
+} // namespace
+
+DataSourceTab::DataSourceTab(const XDataSource& source) : QXTabBarItem(makePage(source)), m_source(source) {
+    m_filename = Observation(*source, filenameKey, [this](const KeyChange&) { takeFilename(); });
+    takeFilename();
+    if (viewController() == nullptr)
+        return;
+    m_page = Observation(*viewController(), pageKeys, [this](const KeyChange& change) {
+        if (change.key == std::string_view("fault"))
+            takeFault();
+        else if (!viewController()->status().isEmpty() && viewController()->fault().isEmpty())
+            Q_EMIT newsCame(viewController()->status());
+    });
+    takeFault();
+}
+
+void DataSourceTab::takeFilename() {
+    const auto* file = qobject_cast<const XPTextFile*>(m_source.get());
+    setToolTip(file == nullptr ? QString() : file->filename());
+}
+
+void DataSourceTab::takeFault() {
+    const QString& fault = viewController()->fault();
+    setFault(fault);
+    if (!fault.isEmpty())
+        Q_EMIT newsCame(fault);
+}

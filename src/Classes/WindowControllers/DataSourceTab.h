@@ -1,0 +1,29 @@
+// The tab of a data source.
+#pragma once
+
+#include "Classes/DataSourcesManager/XDataSourceProtocol.h"
+#include "Classes/TabBar/QXTabBarItem.h"
+
+#include <functional>
+
+/// Shows the source's settings view and its faults. Keeps its source alive, since the view edits it.
+class DataSourceTab : public QXTabBarItem {
+    Q_OBJECT
+
+  public:
+    explicit DataSourceTab(const XDataSource& source);
+
+    const XDataSource& source() const { return m_source; }
+
+  Q_SIGNALS:
+    /// The source was read, or failed to be: what its page says about it.
+    void newsCame(const QString& news);
+
+  private:
+    void takeFilename();
+    void takeFault();
+
+    XDataSource m_source;
+    Observation m_filename;
+    Observation m_page;
+};

@@ -1,0 +1,68 @@
+// The open documents: making and opening them, the recent ones, quitting.
+#pragma once
+
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <optional>
+#include <set>
+
+class MoxDocument;
+class MoxDocumentWindow;
+
+/// Outlives the windows that it makes. Main thread.
+class DocumentController : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit DocumentController(QObject* parent = nullptr);
+    /// Windows that are left go without a question.
+    ~DocumentController() override;
+
+    /// The user default that remembers the folder of documents.
+    static QString folderKey();
+
+    const QList<MoxDocumentWindow*>& windows() const { return m_windows; }
+    /// The document window that is in front, as long as the program is; a dialog or a tool does not change
+    /// it. Null when there is none.
+    MoxDocumentWindow* mainWindow() const { return m_mainWindow; }
+    /// The window of that file's document, if it is open.
+    MoxDocumentWindow* windowOfFile(const QString& path) const;
+
+    MoxDocumentWindow& newDocument();
+    /// Shows a document's window. `name` stands for a document without a file; empty for "Untitled".
+    /// An untouched `instead` closes, and the new window takes its place.
+    MoxDocumentWindow& showDocument(std::unique_ptr<MoxDocument> document, const QString& name = {},
+                                    MoxDocumentWindow* instead = nullptr);
+    /// Asks for files and opens each.
+    void openWithPanel(MoxDocumentWindow& from);
+    /// A document's file opens as one document, however often it is asked for; any other becomes the data
+    /// source of a new one. What cannot be opened is told over `from`, which may be null.
+    void openFile(const QString& path, MoxDocumentWindow* from);
+
+    /// The latest first.
+    QStringList recentDocuments() const;
+    void noteRecentDocument(const QString& path);
+    void clearRecentDocuments();
+
+    /// Asks for every changed document, one after the other; "Cancel" ends it with every window open.
+    void quit();
+
+    /// For windows alone: another one may be in front; the one in front is announced again if `anew`.
+    void mainWindowMayHaveChanged(bool anew = false);
+    void windowCloses(MoxDocumentWindow& window);
+
+  private:
+    QString untitledName() const;
+    void setMainWindow(MoxDocumentWindow* window);
+    void askNextToClose();
+
+    QList<MoxDocumentWindow*> m_windows;
+    QList<QPointer<MoxDocumentWindow>> m_closedWindows; ///< wait to be deleted
+    MoxDocumentWindow* m_mainWindow = nullptr;
+    std::optional<std::set<const MoxDocumentWindow*>> m_mayClose; ///< while quitting: who has answered
+};

@@ -1,0 +1,106 @@
+// One table of what each kind of text can do.
+#include "Classes/WindowControllers/EditCommands.h"
+
+#include <QAbstractItemView>
+#include <QAbstractSpinBox>
+#include <QAction>
+#include <QClipboard>
+#include <QComboBox>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+
+namespace {
+
+/// What the commands of a text depend on.
+struct TextState {
+    bool canUndo = false;
+    bool canRedo = false;
+    bool hasSelection = false;
+    bool isEditable = false;
+    bool hasText = false;
+};
+
+/// Boxes keep the focus for the field inside them.
+QWidget* textWidget(const QWidget* focus) {
+    auto* widget = const_cast<QWidget*>(focus);
+    if (qobject_cast<QAbstractSpinBox*>(widget) != nullptr || qobject_cast<QComboBox*>(widget) != nullptr)
+        widget = widget->findChild<QLineEdit*>(QString(), Qt::FindDirectChildrenOnly);
+    return widget;
+}
+
+QAction* ownCopyAction(const QWidget& widget) {
+    for (QAction* action : widget.actions()) {
+        if (action->shortcuts().contains(QKeySequence(QKeySequence::Copy)))
+            return action;
+    }
+    return nullptr;
+}
+
+bool stateOf(const QWidget* widget, TextState& state) {
+    if (const auto* line = qobject_cast<const QLineEdit*>(widget)) {
+        state = {line->isUndoAvailable(), line->isRedoAvailable(), line->hasSelectedText(),
+                 !line->isReadOnly(), !line->text().isEmpty()};
+        return true;
+    }
+    if (const auto* text = qobject_cast<const QPlainTextEdit*>(widget)) {
+        const QTextDocument* document = text->document();
+        state = {document->isUndoAvailable(), document->isRedoAvailable(), text->textCursor().hasSelection(),
+                 !text->isReadOnly(), !document->isEmpty()};
+        return true;
+    }
+    if (const auto* label = qobject_cast<const QLabel*>(widget)) {
+        state.hasSelection = label->hasSelectedText();
+        return true;
+    }
+    if (const auto* view = qobject_cast<const QAbstractItemView*>(widget)) {
+        const QAction* copy = ownCopyAction(*view);
+        state.hasSelection = copy != nullptr && copy->isEnabled();
+        state.hasText = true;
+        return copy != nullptr;
+    }
+    return false;
+}
+
+} // namespace
+
+bool EditCommands::isText(const QWidget* focus) {
+    TextState state;
+    return stateOf(textWidget(focus), state);
+}
+
+bool EditCommands::can(EditCommand command, const QWidget* focus) {
+    TextState state;
+    if (!stateOf(textWidget(focus), state))
+        return false;
+    switch (command) {
+    case EditCommand::Undo:
+        return state.isEditable && state.canUndo;
+    case EditCommand::Redo:
+        return state.isEditable && state.canRedo;
+    case EditCommand::Cut:
+        return state.isEditable && state.hasSelection;
+    case EditCommand::Copy:
+        return state.hasSelection;
+    case EditCommand::Paste:
+        return state.isEditable;
+    case EditCommand::SelectAll:
+        return state.hasText;
+    }
+    return false;
+}
+
+void EditCommands::perform(EditCommand command, QWidget* focus) {
+    QWidget* widget = textWidget(focus);
+    if (!can(command, widget))
+        return;
+    if (command == EditCommand::Copy) {
+        if (const auto* label = qobject_cast<const QLabel*>(widget))
+            return QGuiApplication::clipboard()->setText(label->selectedText());
+        if (QAction* copy = ownCopyAction(*widget))
+            return copy->trigger();
+    }
+    constexpr const char* methods[] = {"undo", "redo", "cut", "copy", "paste", "selectAll"};
+    QMetaObject::invokeMethod(widget, methods[static_cast<int>(command)]);
+}

@@ -1,0 +1,392 @@
+// Sets the window up and keeps its tabs in step with the document.
+#include "Classes/WindowControllers/MoxDocumentWindow.h"
+
+#include "Classes/Axes/XTimeAxis.h"
+#include "Classes/DropHere/DroppedData.h"
+#include "Classes/DropHere/XDropHereView.h"
+#include "Classes/DropHere/XDropHereViewController.h"
+#include "Classes/GraphViewController/XGraphViewController.h"
+#include "Classes/TabBar/QXGraphViewTab.h"
+#include "Classes/TabBar/QXNewSourceTabBarItem.h"
+#include "Classes/TabBar/QXTabBar.h"
+#include "Classes/WindowControllers/DataSourceTab.h"
+#include "Classes/WindowControllers/DocumentController.h"
+#include "Classes/WindowControllers/WindowDrops.h"
+#include "Classes/WindowControllers/WindowMenus.h"
+#include "Core/Assertions.h"
+#include "MoxDocument.h"
+#include "Platform/Core/UserDefaults.h"
+#include "Platform/Widgets/Alerts.h"
+#include "Platform/Widgets/FilePanels.h"
+#include "Platform/Widgets/Pictures.h"
+#include "ui_MoxDocument.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMenu>
+#include <QPointer>
+#include <QScreen>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize snapshotSize{920, 550};
+constexpr double greatestPartOfScreen = 0.85;
+constexpr int dataPaddingLeft = 30;
+constexpr int paddingRight = 10;
+
+constexpr const char* showLegendKey[] = {"showLegend"};
+constexpr const char* statusKeys[] = {"status", "readouts"};
+
+} // namespace
+
+MoxDocumentWindow::MoxDocumentWindow(DocumentController& documents, std::unique_ptr<MoxDocument> document,
+                                     QString name)
+    : m_documents(documents), m_document(std::move(document)), m_name(std::move(name)),
+      m_ui(std::make_unique<Ui::MoxDocument>()) {
+    m_ui->setupUi(this);
+    setAttribute(Qt::WA_DeleteOnClose);
+    m_ui->addDataSourceButton->setIcon(Pictures::icon(u"add"_qs));
+    connect(m_ui->addDataSourceButton, &QToolButton::clicked, this, &MoxDocumentWindow::onAddDataSource);
+    m_drops = new WindowDrops(*this, *m_ui->clientView,
+                              [this](const DroppedData& dropped) { takeDropped(dropped); });
+    connect(m_drops, &WindowDrops::messageChanged, this, [this](const QString& message) {
+        m_dragMessage = message;
+        updateStatus();
+    });
+    windowControllerDidLoadNib();
+    m_menus = new WindowMenus(*this);
+    m_menus->refresh();
+
+    const QSize room = screen()->availableSize() * greatestPartOfScreen;
+    resize(size().boundedTo(room));
+    connect(m_document.get(), &MoxDocument::editedChanged, this, [this] {
+        updateTitle();
+        Q_EMIT commandStatesChanged();
+    });
+    updateTitle();
+}
+
+MoxDocumentWindow::~MoxDocumentWindow() {
+    m_document->close();
+    m_documents.windowCloses(*this);
+    m_graphViewController.reset();
+    // Pages refer to the document: they go before it does.
+    delete takeCentralWidget();
+}
+
+void MoxDocumentWindow::windowControllerDidLoadNib() {
+    QXTabBar& dataBar = dataSourcesTabBar();
+    QXTabBar& graphBar = graphTabBar();
+    dataBar.setClientViewForTabControllers(m_ui->clientView);
+    graphBar.setClientViewForTabControllers(m_ui->clientView);
+    for (const QXTabBar* bar : {&dataBar, &graphBar})
+        connect(bar, &QXTabBar::selectionChanged, this, &MoxDocumentWindow::selectionChanged);
+
+    dataBar.setDelegate(this);
+    dataBar.setPaddingLeft(dataPaddingLeft);
+    dataBar.setPaddingRight(paddingRight);
+    const auto sources = m_document->dataSourcesManager().dataSources();
+    if (sources.empty())
+        addDropHereTab();
+    graphBar.setPaddingRight(paddingRight);
+    setUpGraphTab();
+    for (const XDataSource& source : sources) {
+        addTabOf(source, dataSourceTabCount());
+        dataBar.selectTabWithIndex(dataSourceTabCount() - 1);
+    }
+    const QString link = QString::asprintf("tabbar_%p", static_cast<void*>(m_document.get()));
+    dataBar.setTabBarsLinkIdentifier(link);
+    graphBar.setTabBarsLinkIdentifier(link);
+    graphBar.selectTabWithIndex(0);
+    m_document->setWindow(this);
+    m_document->finishOpening();
+}
+
+void MoxDocumentWindow::setUpGraphTab() {
+    m_graphViewController = std::make_shared<XGraphViewController>();
+    m_graphViewController->setDocument(m_document.get());
+    graphTabBar().addTab(new QXGraphViewTab(m_graphViewController));
+    connect(m_graphViewController.get(), &XGraphViewController::commandStatesChanged, this,
+            &MoxDocumentWindow::commandStatesChanged);
+    const auto showLegend = [this] { m_graphViewController->setLegendVisible(m_document->showLegend()); };
+    m_showLegend = Observation(*m_document, showLegendKey, [this, showLegend](const KeyChange&) {
+        showLegend();
+        Q_EMIT commandStatesChanged();
+    });
+    showLegend();
+}
+
+QXTabBar& MoxDocumentWindow::dataSourcesTabBar() const {
+    return *m_ui->dataSourcesTabBar;
+}
+
+QXTabBar& MoxDocumentWindow::graphTabBar() const {
+    return *m_ui->graphTabBar;
+}
+
+StatusLine& MoxDocumentWindow::statusLine() const {
+    return *m_ui->statusLine;
+}
+
+// --- Tabs
+// -----------------------------------------------------------------------------------------------------
+
+int MoxDocumentWindow::dataSourceTabCount() const {
+    return static_cast<int>(dataSourcesTabBar().tabs().size()) - (m_dropHereTab != nullptr ? 1 : 0);
+}
+
+DataSourceTab* MoxDocumentWindow::tabOf(const XDataSource& dataSource) const {
+    for (QXTabBarItem* each : dataSourcesTabBar().tabs()) {
+        auto* tab = qobject_cast<DataSourceTab*>(each);
+        if (tab != nullptr && tab->source() == dataSource)
+            return tab;
+    }
+    return nullptr;
+}
+
+DataSourceTab* MoxDocumentWindow::addTabOf(const XDataSource& dataSource, int index) {
+    auto* tab = new DataSourceTab(dataSource);
+    connect(tab, &DataSourceTab::newsCame, this, &MoxDocumentWindow::showMessage);
+    dataSourcesTabBar().insertTabAtIndex(tab, index);
+    return tab;
+}
+
+void MoxDocumentWindow::insertDataSourceTab(const XDataSource& dataSource, int index) {
+    addTabOf(dataSource, index);
+    dataSourcesTabBar().selectTabWithIndex(index);
+}
+
+void MoxDocumentWindow::removeDataSourceTab(const XDataSource& dataSource) {
+    if (DataSourceTab* tab = tabOf(dataSource))
+        dataSourcesTabBar().removeTab(tab);
+}
+
+void MoxDocumentWindow::removeTabsWithoutSource() {
+    const auto sources = m_document->dataSourcesManager().dataSources();
+    const std::vector<QXTabBarItem*> tabs = dataSourcesTabBar().tabs();
+    for (QXTabBarItem* each : tabs) {
+        const auto* tab = qobject_cast<DataSourceTab*>(each);
+        if (tab != nullptr && std::find(sources.begin(), sources.end(), tab->source()) == sources.end())
+            dataSourcesTabBar().removeTab(each);
+    }
+}
+
+void MoxDocumentWindow::addDropHereTab() {
+    auto page = std::make_shared<XDropHereViewController>(static_cast<XDropHereDelegate*>(this));
+    page->setRecentFiles(UserDefaults::standard().stringList(u"TextFilePluginRecentFiles"_qs));
+    connect(page.get(), &XDropHereViewController::chooseFileRequested, this,
+            &MoxDocumentWindow::chooseDataFile);
+    connect(page.get(), &XDropHereViewController::typeOrPasteRequested, this,
+            &MoxDocumentWindow::addTextEditorDatasource);
+    m_dropHereTab = new QXNewSourceTabBarItem(std::move(page));
+    dataSourcesTabBar().addTab(m_dropHereTab);
+}
+
+void MoxDocumentWindow::removeDropHereTab() {
+    if (QXNewSourceTabBarItem* tab = std::exchange(m_dropHereTab, nullptr))
+        dataSourcesTabBar().removeTab(tab);
+}
+
+void MoxDocumentWindow::selectDataSourceTab(int index) {
+    dataSourcesTabBar().selectTabWithIndex(index);
+}
+
+bool MoxDocumentWindow::tabBarWillCloseTabWithIndex(QXTabBar& bar, int index) {
+    const auto* tab = qobject_cast<DataSourceTab*>(bar.tabWithIndex(index));
+    const XDataSource source = tab != nullptr ? tab->source() : nullptr;
+    const QPointer<MoxDocumentWindow> self(this);
+    const int answer = Alerts::shared().askAndWait(
+        this, {Alert::Kind::Question,
+               tr("Delete datasource"),
+               tr("The datasource will be deleted"),
+               {{tr("OK"), Alert::Role::Accept}, {tr("Cancel"), Alert::Role::Cancel}}});
+    if (self == nullptr)
+        return false;
+    m_document->setDontDeleteTab(true); // Kept: after a cancelled close, too, until the next one that happens
+    m_closingSource = source;
+    return answer == 0;
+}
+
+void MoxDocumentWindow::tabBarDidCloseTabWithIndex(QXTabBar&, int) {
+    const auto sources = m_document->dataSourcesManager().dataSources();
+    const auto found = std::find(sources.begin(), sources.end(), std::exchange(m_closingSource, nullptr));
+    if (found != sources.end()) // else its source went before the tab did
+        m_document->removeDataSourceAtIndex(static_cast<int>(found - sources.begin()));
+    m_document->setDontDeleteTab(false);
+}
+
+void MoxDocumentWindow::closeSelectedTab() {
+    QXTabBarItem* tab = dataSourcesTabBar().selectedTab();
+    if (tab != nullptr && tab != m_dropHereTab)
+        tab->onClose();
+}
+
+void MoxDocumentWindow::selectNextTab(int step) {
+    const auto dataTabs = static_cast<int>(dataSourcesTabBar().tabs().size());
+    const int count = dataTabs + static_cast<int>(graphTabBar().tabs().size());
+    const int current = isPlotSelected() ? dataTabs : std::max(0, dataSourcesTabBar().selectedIndex());
+    const int next = (current + step + count) % count;
+    if (next < dataTabs)
+        dataSourcesTabBar().selectTabWithIndex(next);
+    else
+        graphTabBar().selectTabWithIndex(next - dataTabs);
+}
+
+bool MoxDocumentWindow::isPlotSelected() const {
+    return graphTabBar().selectedTab() != nullptr;
+}
+
+bool MoxDocumentWindow::isDropTabSelected() const {
+    return m_dropHereTab != nullptr && dataSourcesTabBar().selectedTab() == m_dropHereTab;
+}
+
+bool MoxDocumentWindow::isDataSourceTabSelected() const {
+    return dataSourcesTabBar().selectedTab() != nullptr && !isDropTabSelected();
+}
+
+XViewController* MoxDocumentWindow::selectedPage() const {
+    const QXTabBarItem* tab =
+        isPlotSelected() ? graphTabBar().selectedTab() : dataSourcesTabBar().selectedTab();
+    return tab != nullptr ? tab->viewController().get() : nullptr;
+}
+
+void MoxDocumentWindow::selectionChanged() {
+    m_selectedPage.end();
+    if (XViewController* page = selectedPage())
+        m_selectedPage =
+            Observation(*page, statusKeys, [this](const KeyChange& change) { statusChanged(change); });
+    updateStatus();
+    Q_EMIT commandStatesChanged();
+}
+
+// --- Data
+// -----------------------------------------------------------------------------------------------------
+
+void MoxDocumentWindow::onAddDataSource() {
+    auto* kinds = new QMenu(m_ui->addDataSourceButton);
+    kinds->setAttribute(Qt::WA_DeleteOnClose);
+    kinds->addAction(Pictures::icon(u"file"_qs), tr("Text File…"), this,
+                     &MoxDocumentWindow::addTextFileDatasource);
+    kinds->addAction(Pictures::icon(u"editor"_qs), tr("Text Editor"), this,
+                     &MoxDocumentWindow::addTextEditorDatasource);
+    kinds->popup(m_ui->addDataSourceButton->mapToGlobal(QPoint(m_ui->addDataSourceButton->width(), 0)));
+}
+
+void MoxDocumentWindow::addTextFileDatasource() {
+    m_document->addTextFileDatasource();
+}
+
+void MoxDocumentWindow::addTextEditorDatasource() {
+    m_document->addTextEditorDatasource();
+}
+
+void MoxDocumentWindow::chooseDataFile() {
+    FilePanels::shared().choose(this,
+                                {.purpose = FilePanel::Purpose::OpenOne,
+                                 .title = tr("Choose a Data File"),
+                                 .filters = {tr("All files (*)")},
+                                 .folderKey = u"DataFilesFolder"_qs,
+                                 .proposedName = {},
+                                 .defaultSuffix = {}},
+                                [this](const QStringList& paths) {
+                                    if (!paths.isEmpty())
+                                        m_document->fileDropped(paths.first());
+                                });
+}
+
+void MoxDocumentWindow::fileDroppedOnDropzone(const QString& path, XDropHereView&) {
+    m_document->fileDropped(path);
+}
+
+void MoxDocumentWindow::textDroppedOnDropzone(const QString& text, XDropHereView&) {
+    m_document->textDropped(text);
+}
+
+void MoxDocumentWindow::takeDropped(const DroppedData& dropped) {
+    if (dropped.kind == DroppedData::Kind::File)
+        m_document->fileDropped(dropped.text);
+    else
+        m_document->textDropped(dropped.text);
+}
+
+void MoxDocumentWindow::paste() {
+    m_document->pasteText(QGuiApplication::clipboard()->text());
+}
+
+void MoxDocumentWindow::onReloadData() {
+    QXTabBarItem* selected = dataSourcesTabBar().selectedTab();
+    if (selected == nullptr) {
+        m_document->onReloadData();
+        return;
+    }
+    const auto* tab = qobject_cast<DataSourceTab*>(selected);
+    if (xAssert(tab != nullptr, "Bad plugin view controller %@", selected->title().toStdString()))
+        tab->source()->read();
+}
+
+// --- Plot
+// -----------------------------------------------------------------------------------------------------
+
+void MoxDocumentWindow::insertCurveAtIndex(const XCurveHandle& curve, int index) {
+    m_graphViewController->insertCurveAtIndex(curve, index);
+}
+
+void MoxDocumentWindow::removeCurveAtIndex(int index) {
+    m_graphViewController->removeCurveAtIndex(index);
+}
+
+bool MoxDocumentWindow::hasTimeAxis() const {
+    return dynamic_cast<const XTimeAxis*>(m_graphViewController->plotView().scene().axisX().get()) != nullptr;
+}
+
+void MoxDocumentWindow::onAddCurve() {
+    m_graphViewController->onAddCurve();
+    if (!isPlotSelected())
+        graphTabBar().selectTabWithIndex(0);
+}
+
+void MoxDocumentWindow::onFitToData() {
+    if (isPlotSelected())
+        m_graphViewController->fitToData();
+}
+
+void MoxDocumentWindow::onPrepareToSnapshot() {
+    if (isMaximized() || isFullScreen())
+        showNormal();
+    resize(snapshotSize);
+    update();
+}
+
+void MoxDocumentWindow::documentWillClose() {
+    m_showLegend.end();
+    m_graphViewController->setDocument(nullptr);
+}
+
+// --- Status line
+// ----------------------------------------------------------------------------------------------
+
+void MoxDocumentWindow::showMessage(const QString& message) {
+    m_news = message;
+    if (m_dragMessage.isEmpty())
+        statusLine().setMessage(message);
+}
+
+void MoxDocumentWindow::statusChanged(const KeyChange& change) {
+    if (change.oldValue != change.newValue)
+        updateStatus();
+}
+
+void MoxDocumentWindow::updateStatus() {
+    const XViewController* page = selectedPage();
+    const bool isEmpty = m_document->dataSourcesManager().dataSources().empty();
+    Readouts readouts = page != nullptr ? page->readouts() : Readouts();
+    if (isDropTabSelected())
+        readouts = {{QString(), tr("Ctrl+V adds text from the clipboard")}};
+    statusLine().setReadouts(readouts);
+    const QString said = isEmpty ? tr("No data source yet") : page != nullptr ? page->status() : QString();
+    statusLine().setMessage(!m_dragMessage.isEmpty() ? m_dragMessage : said.isEmpty() ? m_news : said);
+}

@@ -1,0 +1,194 @@
+// A document's name, and its way to its file: saving, and the questions before it closes.
+#include "Classes/WindowControllers/MoxDocumentWindow.h"
+
+#include "Classes/TabBar/QXTabBar.h"
+#include "Classes/TabBar/QXTabBarItem.h"
+#include "Classes/WindowControllers/DocumentController.h"
+#include "MoxDocument.h"
+#include "Platform/Core/PendingEdits.h"
+#include "Platform/Core/XViewController.h"
+#include "Platform/Widgets/Alerts.h"
+#include "Platform/Widgets/FilePanels.h"
+
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QLocale>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// "14:02", with the day in front when that was not today.
+QString timeOf(const QDateTime& moment) {
+    const QLocale locale;
+    const bool today = moment.date() == QDate::currentDate();
+    return today ? locale.toString(moment.time(), QLocale::ShortFormat)
+                 : locale.toString(moment, QLocale::ShortFormat);
+}
+
+/// A reason as a sentence of its own.
+QString asSentence(QString reason) {
+    if (!reason.isEmpty())
+        reason[0] = reason[0].toUpper();
+    return reason.endsWith(u'.') ? reason : reason + u'.';
+}
+
+void tell(const MoxDocumentWindow::Answer& answer, bool value) {
+    if (answer)
+        answer(value);
+}
+
+} // namespace
+
+QString MoxDocumentWindow::documentName() const {
+    return m_document->filePath().isEmpty() ? m_name : QFileInfo(m_document->filePath()).fileName();
+}
+
+bool MoxDocumentWindow::isUntouched() const {
+    return m_document->filePath().isEmpty() && !m_document->isDocumentEdited() &&
+           m_document->dataSourcesManager().dataSources().empty() && m_document->curves().isEmpty();
+}
+
+void MoxDocumentWindow::updateTitle() {
+    QString name = documentName();
+    name.replace(u"[*]"_qs, u"[*][*]"_qs); // a name's own asterisk is none
+    setWindowTitle(name + u"[*] — Velquin"_qs);
+    setWindowModified(m_document->isDocumentEdited());
+}
+
+void MoxDocumentWindow::commitPendingEdits() {
+    if (QWidget* field = focusWidget()) {
+        if (field->hasFocus()) {
+            field->clearFocus();
+            field->setFocus();
+        } else { // an inactive window's field was left without a commit
+            QFocusEvent leave(QEvent::FocusOut, Qt::OtherFocusReason);
+            QCoreApplication::sendEvent(field, &leave);
+        }
+    }
+    for (const QXTabBar* bar : {&dataSourcesTabBar(), &graphTabBar()}) {
+        for (const QXTabBarItem* tab : bar->tabs()) {
+            if (auto* page = dynamic_cast<PendingEdits*>(tab->viewController().get()))
+                page->commitPendingEdits();
+        }
+    }
+}
+
+void MoxDocumentWindow::save(const Answer& saved) {
+    commitPendingEdits();
+    if (m_document->filePath().isEmpty())
+        saveAs(saved);
+    else
+        saveTo(m_document->filePath(), saved);
+}
+
+void MoxDocumentWindow::saveAs(const Answer& saved) {
+    commitPendingEdits();
+    const QString name = m_document->filePath().isEmpty() ? m_name + u".mox"_qs : documentName();
+    FilePanels::shared().choose(this,
+                                {.purpose = FilePanel::Purpose::Save,
+                                 .title = tr("Save Document"),
+                                 .filters = {tr("Velquin documents (*.mox)")},
+                                 .folderKey = DocumentController::folderKey(),
+                                 .proposedName = name,
+                                 .defaultSuffix = u"mox"_qs},
+                                [this, saved](const QStringList& paths) {
+                                    if (paths.isEmpty())
+                                        tell(saved, false);
+                                    else
+                                        saveTo(paths.first(), saved);
+                                });
+}
+
+void MoxDocumentWindow::saveTo(const QString& path, const Answer& saved) {
+    const bool wasThere = QFileInfo::exists(path);
+    const std::optional<QString> failure = m_document->writeToURL(path);
+    if (!failure) {
+        m_documents.noteRecentDocument(path);
+        tell(saved, true);
+        return;
+    }
+    const QString stays = wasThere
+                              ? tr("The document on the disk is as it was; your changes are still open here.")
+                              : tr("Your changes are still open here.");
+    Alerts::shared().ask(this,
+                         {Alert::Kind::Fault,
+                          tr("“%1” was not saved.").arg(QFileInfo(path).fileName()),
+                          asSentence(*failure) + u' ' + stays,
+                          {{tr("OK"), Alert::Role::Cancel}, {tr("Save As…"), Alert::Role::Other}}},
+                         [this, saved](int button) {
+                             if (button == 1)
+                                 saveAs(saved);
+                             else
+                                 tell(saved, false);
+                         });
+}
+
+void MoxDocumentWindow::canCloseDocument(const Answer& shouldClose) {
+    commitPendingEdits();
+    m_document->windowDidResignMain();
+    if (!m_document->isDocumentEdited()) {
+        tell(shouldClose, true);
+        return;
+    }
+    askToSave([this, shouldClose](bool mayGoOn) {
+        if (!mayGoOn)
+            m_documents.mainWindowMayHaveChanged(true);
+        tell(shouldClose, mayGoOn);
+    });
+}
+
+void MoxDocumentWindow::askToSave(const Answer& mayGoOn) {
+    if (m_isAsking) {
+        tell(mayGoOn, false); // the question stands already
+        return;
+    }
+    m_isAsking = true;
+    raise();
+    activateWindow();
+    const QDateTime since = m_document->editedSince().value_or(QDateTime::currentDateTime());
+    Alerts::shared().ask(this,
+                         {Alert::Kind::Question,
+                          tr("Save changes to “%1”?").arg(documentName()),
+                          tr("Without saving, your changes since %1 are lost.").arg(timeOf(since)),
+                          {{tr("Save"), Alert::Role::Accept},
+                           {tr("Discard"), Alert::Role::Destructive},
+                           {tr("Cancel"), Alert::Role::Cancel}}},
+                         [this, mayGoOn](int button) {
+                             m_isAsking = false;
+                             if (button == 0)
+                                 save(mayGoOn);
+                             else
+                                 tell(mayGoOn, button == 1);
+                         });
+}
+
+void MoxDocumentWindow::closeNow() {
+    m_mayClose = true;
+    close();
+}
+
+void MoxDocumentWindow::closeEvent(QCloseEvent* event) {
+    if (!m_mayClose) {
+        // An answer that is there at once closes by this very event; a later one closes anew.
+        const auto isThisEvent = std::make_shared<bool>(true);
+        canCloseDocument([this, isThisEvent](bool mayClose) {
+            m_mayClose = mayClose;
+            if (mayClose && !*isThisEvent)
+                close();
+        });
+        *isThisEvent = false;
+    }
+    event->setAccepted(m_mayClose);
+    if (!m_mayClose)
+        return;
+    m_document->close();
+    m_documents.windowCloses(*this);
+}
+
+void MoxDocumentWindow::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange)
+        m_documents.mainWindowMayHaveChanged();
+}

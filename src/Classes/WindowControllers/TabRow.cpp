@@ -1,0 +1,10 @@
+#include "Classes/WindowControllers/TabRow.h"
+
+#include "Platform/Widgets/Appearance.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+
+void TabRow::paintEvent(QPaintEvent* event) {
+    QPainter(this).fillRect(event->rect(), currentColors().bezel);
+}
