@@ -2,10 +2,17 @@
 velquin_library(shell
   HEADERS
     Classes/GraphViewController/DocumentPicture.h
-    Classes/GraphViewController/PlotPage.h
+    Classes/GraphViewController/PaneSplitter.h
+    Classes/GraphViewController/PaperView.h
+    Classes/GraphViewController/PlotTitleField.h
+    Classes/GraphViewController/StripView.h
     Classes/GraphViewController/XGraphViewController.h
+    Classes/PlotView/InPlaceField.h
     Classes/PlotView/QuickHelpCard.h
+    Classes/PlotView/XGraphLegend.h
+    Classes/PlotView/XGraphLegendItemView.h
     Classes/PlotView/XPlotView.h
+    Classes/PlotView/XVerticalLabel.h
     Classes/WindowControllers/DataSourceTab.h
     Classes/WindowControllers/DocumentController.h
     Classes/WindowControllers/EditCommands.h
@@ -19,10 +26,18 @@ velquin_library(shell
     MoxDocument.h
   SOURCES
     Classes/GraphViewController/DocumentPicture.cpp
-    Classes/GraphViewController/PlotPage.cpp
+    Classes/GraphViewController/PaneSplitter.cpp
+    Classes/GraphViewController/PaperView.cpp
+    Classes/GraphViewController/PlotTitleField.cpp
+    Classes/GraphViewController/StripView.cpp
     Classes/GraphViewController/XGraphViewController.cpp
+    Classes/GraphViewController/XGraphViewControllerPanes.cpp
+    Classes/PlotView/InPlaceField.cpp
     Classes/PlotView/QuickHelpCard.cpp
+    Classes/PlotView/XGraphLegend.cpp
+    Classes/PlotView/XGraphLegendItemView.cpp
     Classes/PlotView/XPlotView.cpp
+    Classes/PlotView/XVerticalLabel.cpp
     Classes/WindowControllers/DataSourceTab.cpp
     Classes/WindowControllers/DocumentController.cpp
     Classes/WindowControllers/EditCommands.cpp
@@ -35,6 +50,6 @@ velquin_library(shell
     Classes/WindowControllers/WindowMenus.cpp
     MoxDocument.cpp
     MoxDocumentFile.cpp
-  USES velquin_render velquin_widgetkit Qt6::Widgets)
+  USES velquin_render velquin_sidebar velquin_widgetkit Qt6::Widgets)
 # The window's interface file lies with the document.
 set_target_properties(velquin_shell PROPERTIES AUTOUIC ON AUTOUIC_SEARCH_PATHS ${CMAKE_SOURCE_DIR}/src)

@@ -1,10 +1,12 @@
-// A document's keys, one by one, to the plot view.
+// A document's keys, one by one, to the plot view, and its curves to the list beside it.
 #include "Classes/GraphViewController/XGraphViewController.h"
 
 #include "Classes/Axes/XAxis.h"
-#include "Classes/GraphViewController/PlotPage.h"
+#include "Classes/CurvesSidebar/CSmartListView.h"
 #include "Core/Assertions.h"
 #include "MoxDocument.h"
+#include "Platform/Widgets/Binding.h"
+#include "ui_XGraphViewController.h"
 
 #include <cstring>
 #include <limits>
@@ -34,47 +36,83 @@ double limitOf(const std::optional<double>& limit) {
 } // namespace
 
 XGraphViewController::XGraphViewController(QObject* parent)
-    : XViewController(parent), m_page(std::make_unique<PlotPage>()) {
-    setTitle(QStringLiteral("Plot area"));
+    : XViewController(parent), m_ui(std::make_unique<Ui::XGraphViewController>()), m_view(new QWidget) {
+    m_ui->setupUi(m_view);
+    setTitle(tr("Plot area"));
+    m_ui->splitView->setStretchFactor(1, 1);
+    setUpSidebar();
+    setUpTools();
+    setUpPlotView();
+    setUpTitles();
+    stylesChanged();
+    updateTools();
+    updateLayout();
 }
 
-XGraphViewController::~XGraphViewController() = default;
-
-void XGraphViewController::setDocument(MoxDocument* document) {
-    if (!xAssert(document == nullptr || m_document == nullptr,
-                 "XGraphViewController already has a document!"))
-        return;
-    m_observation.end();
-    m_document = document;
-    if (document == nullptr)
-        return;
-    m_observation = Observation(*document, observedKeys,
-                                [this](const KeyChange& change) { observeValueForKeyPath(change); });
-    takeAxis(document->axisX_type(), &PlotScene::setAxisX);
-    takeAxis(document->axisY_type(), &PlotScene::setAxisY);
-    takeOptions();
-    takeTitles();
-    takeCurves();
-    fitToData();
+XGraphViewController::~XGraphViewController() {
+    setDocument(nullptr);
+    delete m_view.data();
 }
 
-QWidget* XGraphViewController::view() {
-    return m_page.get();
-}
-
-XPlotView& XGraphViewController::plotView() {
-    return m_page->plotView();
-}
-
-void XGraphViewController::fitToData() {
-    plotView().scene().fitToData();
+XPlotView& XGraphViewController::plotView() const {
+    return *m_ui->plotView;
 }
 
 void XGraphViewController::onBecameVisible() {
     plotView().setFocus();
 }
 
+// --- The document
+// ----------------------------------------------------------------------------------------------
+
+void XGraphViewController::setDocument(MoxDocument* document) {
+    if (!xAssert(document == nullptr || m_document == nullptr,
+                 "XGraphViewController already has a document!"))
+        return;
+    if (m_document != nullptr)
+        detach();
+    m_document = document;
+    if (m_document != nullptr)
+        attach();
+}
+
+void XGraphViewController::attach() {
+    m_observation = Observation(*m_document, observedKeys,
+                                [this](const KeyChange& change) { observeValueForKeyPath(change); });
+    for (const char* name : {Notifications::dataSourceWasRemoved, Notifications::dataSourceWasAdded,
+                             Notifications::dataSourceUpdated})
+        m_registrations.push_back(NotificationCenter::defaultCenter().observe(
+            name, nullptr, [this](QObject*) { dataSourcesChanged(); }));
+    bind(m_ui->plotArea_titleLabel, *m_document, "plotAreaTitle");
+    bind(m_ui->axisX_titleLabel, *m_document, "axisTitleX");
+    bind(m_ui->axisY_titleLabel, *m_document, "axisTitleY");
+    takeOptions();
+    setCurves();
+    takeCurves();
+    takeAxis(m_document->axisX_type(), &PlotScene::setAxisX);
+    takeAxis(m_document->axisY_type(), &PlotScene::setAxisY);
+    setLegendVisible(m_document->showLegend());
+    updateLayout();
+    dataSourcesChanged();
+    fitToData();
+}
+
+void XGraphViewController::detach() {
+    m_observation.end();
+    m_registrations.clear();
+    if (m_view != nullptr) {
+        for (QWidget* field : {m_ui->plotArea_titleLabel, m_ui->axisX_titleLabel, m_ui->axisY_titleLabel})
+            unbind(field);
+        m_graphLegend->setCurves({}); // which ends an editing session of the document's undo manager
+        for (std::size_t count = m_ui->curvesList->viewControllers().size(); count > 0; --count)
+            m_ui->curvesList->removeViewControllerAtIndex(static_cast<int>(count) - 1);
+    }
+    m_document = nullptr;
+}
+
 void XGraphViewController::observeValueForKeyPath(const KeyChange& change) {
+    if (m_view == nullptr)
+        return;
     const auto isKey = [&change](const char* key) { return std::strcmp(change.key, key) == 0; };
     if (isKey("curves"))
         return takeCurves();
@@ -83,19 +121,23 @@ void XGraphViewController::observeValueForKeyPath(const KeyChange& change) {
     else if (isKey("axisY_type"))
         takeAxis(m_document->axisY_type(), &PlotScene::setAxisY);
     else if (isKey("axisTitleX") || isKey("axisTitleY") || isKey("plotAreaTitle"))
-        takeTitles();
+        updateLayout();
     else
         takeOptions();
     plotView().update();
 }
 
 void XGraphViewController::takeAxis(const XAxisInfo* kind, void (PlotScene::*setAxis)(XAxisHandle)) {
-    if (XAxisHandle axis = kind != nullptr ? kind->makeAxis() : nullptr)
+    if (XAxisHandle axis = kind != nullptr ? kind->makeAxis() : nullptr) {
         (plotView().scene().*setAxis)(std::move(axis));
+        updateLayout(); // the labels take another room
+    }
 }
 
 void XGraphViewController::takeCurves() {
     plotView().scene().setCurves(m_document->curves());
+    m_graphLegend->setCurves(m_document->curves());
+    orderFocus();
     plotView().update();
 }
 
@@ -111,6 +153,63 @@ void XGraphViewController::takeOptions() {
     options.showVerticalLines = m_document->showVerticalLines();
 }
 
-void XGraphViewController::takeTitles() {
-    m_page->setTitles({m_document->plotAreaTitle(), m_document->axisTitleX(), m_document->axisTitleY()});
+void XGraphViewController::dataSourcesChanged() {
+    if (m_view == nullptr)
+        return;
+    plotView().update();
+    updateTools();
+    updateStatusLine();
+}
+
+// --- Curves
+// ----------------------------------------------------------------------------------------------------
+
+void XGraphViewController::setCurves() {
+    const QList<XCurveHandle>& curves = m_document->curves();
+    for (int i = 0; i < static_cast<int>(curves.size()); ++i)
+        insertCurveAtIndex(curves[i], i);
+    curvesChanged();
+}
+
+void XGraphViewController::onAddCurve() {
+    if (canAddCurve())
+        m_document->addNewCurve();
+}
+
+bool XGraphViewController::canAddCurve() const {
+    return m_document != nullptr && !m_document->dataSourcesManager().dataSources().empty();
+}
+
+// --- Commands
+// --------------------------------------------------------------------------------------------------
+
+void XGraphViewController::fitToData() {
+    plotView().fitToData();
+}
+
+void XGraphViewController::alignXAxis() {
+    plotView().alignXAxis();
+}
+
+void XGraphViewController::dumpXAxisTestCase() const {
+    plotView().scene().axisX()->dumpTestInfo();
+}
+
+void XGraphViewController::setMouseMode(int mode) {
+    plotView().setMouseMode(mode);
+}
+
+void XGraphViewController::toggleStickyRuler() {
+    plotView().setStickyRuler(!plotView().stickyRuler());
+}
+
+void XGraphViewController::setBlackBackground(bool black) {
+    m_blackBackground = black;
+    plotView().updateStyles(black ? PlotStyles::blackBackgroundStyles() : PlotStyles::defaultStyles());
+    Q_EMIT commandStatesChanged();
+}
+
+void XGraphViewController::setWheelZooms(XPlotView::WheelZooms which) {
+    plotView().setWheelZooms(which);
+    Q_EMIT commandStatesChanged();
 }

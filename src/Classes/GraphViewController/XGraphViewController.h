@@ -1,17 +1,35 @@
-// Keeps a plot view in step with a document: its curves, its options and its titles.
+// The plot page of a document's window: the plot with its titles and its legend, the curves beside it, and
+// the tools over it.
 #pragma once
 
+#include "Classes/CurvesSidebar/CCurveViewControllerDelegate.h"
+#include "Classes/PlotView/XGraphLegend.h"
 #include "Classes/PlotView/XPlotView.h"
+#include "Platform/Core/NotificationCenter.h"
 #include "Platform/Core/XViewController.h"
 
-#include <memory>
+#include <QPointer>
 
+#include <map>
+#include <memory>
+#include <vector>
+
+class CCurveViewController;
 class MoxDocument;
-class PlotPage;
+class PlotTitleField;
+class QAbstractButton;
+class QButtonGroup;
 class XAxisInfo;
 
-/// The plot page of a document's window. Main thread.
-class XGraphViewController : public XViewController {
+namespace Ui {
+class XGraphViewController;
+}
+
+/// Keeps the plot view in step with the document's curves and plot-area options. Main thread.
+class XGraphViewController : public XViewController,
+                             private CCurveViewControllerDelegate,
+                             private XPlotViewDelegate,
+                             private XGraphLegendDelegate {
     Q_OBJECT
 
   public:
@@ -23,19 +41,101 @@ class XGraphViewController : public XViewController {
     void setDocument(MoxDocument* document);
     MoxDocument* document() const { return m_document; }
 
-    QWidget* view() override;
-    XPlotView& plotView();
-    void fitToData();
+    QWidget* view() override { return m_view; }
     void onBecameVisible() override;
 
+    XPlotView& plotView() const;
+    XGraphLegend& graphLegend() const { return *m_graphLegend; }
+    /// The legend has no say of its own whether it is shown: the window follows the document.
+    void setLegendVisible(bool visible);
+
+    // The list of curves as a data source.
+    int itemsCount() const; ///< the document's curves
+    /// A new row of the document's curve at that index.
+    std::shared_ptr<XViewController> viewControllerForItem(int index);
+
+    /// Told by the document before it stores its new list of curves.
+    void insertCurveAtIndex(const XCurveHandle& curve, int index);
+    void removeCurveAtIndex(int index);
+
+    /// Nothing without a data source.
+    void onAddCurve();
+    bool canAddCurve() const;
+    void fitToData();
+    void alignXAxis();
+    void dumpXAxisTestCase() const;
+
+    /// 0 pans, 1 zooms into a rectangle, 2 measures.
+    int mouseMode() const { return plotView().mouseMode(); }
+    void setMouseMode(int mode);
+    void toggleStickyRuler();
+    bool isFittedToData() const { return plotView().scene().autoFitToData; }
+    bool blackBackground() const { return m_blackBackground; }
+    void setBlackBackground(bool black);
+    XPlotView::WheelZooms wheelZooms() const { return plotView().wheelZooms(); }
+    void setWheelZooms(XPlotView::WheelZooms which);
+
+    /// Make room for a title, even if it is empty, and put the keyboard there.
+    void editPlotTitle();
+    void editAxisXTitle();
+    void editAxisYTitle();
+
+  Q_SIGNALS:
+    /// Mouse mode, sticky ruler, fitting, black background, wheel zooms, or whether a curve can be added.
+    void commandStatesChanged();
+
+  protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
+
   private:
+    void setUpSidebar();
+    void setUpTools();
+    void setUpTitles();
+    void setUpPlotView();
+    void attach();
+    void detach();
     void observeValueForKeyPath(const KeyChange& change);
     void takeAxis(const XAxisInfo* kind, void (PlotScene::*setAxis)(XAxisHandle));
     void takeCurves();
     void takeOptions();
-    void takeTitles();
+    void setCurves();
+    void curvesChanged();
+    void orderFocus();
+    void dataSourcesChanged();
+    void updateLayout();
+    void updateTools();
+    void updateStatusLine();
+    void stylesChanged();
+    void edit(PlotTitleField& field, bool& inFocus);
+    void editTitleAt(QPoint position); ///< in the container
+    void setLegendLocation();
 
+    std::shared_ptr<CCurveViewController> makeRow();
+    std::vector<CCurveViewController*> rows() const;
+
+    void curveRemoved(const XCurveHandle& curve) override;
+    void foldAll(bool folded) override;
+    void gestureBegan() override;
+    void gestureEnded() override;
+    void gestureCancelled() override;
+    void updateStatus(const std::optional<QString>& status) override;
+    void legendWantsResize(XGraphLegend& legend, QSize size) override;
+    void legendMoved(XGraphLegend& legend) override;
+    void legendMovingFinished(XGraphLegend& legend) override;
+    void legendTitleWillChange(XGraphLegend& legend) override;
+    void legendTitleChangesEnded(XGraphLegend& legend, bool kept) override;
+
+    std::unique_ptr<Ui::XGraphViewController> m_ui;
+    QPointer<QWidget> m_view; ///< goes with the widget that shows it, if that goes first
+    XGraphLegend* m_graphLegend = nullptr;
+    QButtonGroup* m_mouseModes = nullptr;
     MoxDocument* m_document = nullptr;
-    std::unique_ptr<PlotPage> m_page;
     Observation m_observation;
+    std::vector<NotificationCenter::Registration> m_registrations;
+    std::map<const XViewController*, QString> m_rowFaults; ///< why a row's expression has no result
+    bool m_plotArea_inFocus = false;
+    bool m_axisXTitle_inFocus = false;
+    bool m_axisYTitle_inFocus = false;
+    bool m_blackBackground = false;
+    bool m_legendVisible = false;
 };

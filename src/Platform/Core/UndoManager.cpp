@@ -78,6 +78,12 @@ void UndoManager::endUndoGrouping() {
         closeOpenGroup();
 }
 
+void UndoManager::cancelUndoGrouping() {
+    if (m_activity == Activity::Idle && m_handDepth == 1)
+        m_open->inverses.clear();
+    endUndoGrouping();
+}
+
 bool UndoManager::canUndo() const {
     return m_activity == Activity::Idle && m_handDepth == 0 && (isGroupOpen() || !m_undo.empty());
 }

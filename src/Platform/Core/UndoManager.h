@@ -28,6 +28,9 @@ class UndoManager : public QObject {
     /// Groups nest: the outermost is the step. Ends the group of this turn.
     void beginUndoGrouping();
     void endUndoGrouping();
+    /// Ends a group whose maker has put everything back: it leaves no step. Within another group it is like
+    /// the above.
+    void cancelUndoGrouping();
     /// Closes the group of this event-loop turn early, so that what follows is a step of its own.
     void closeTurnGroup();
 

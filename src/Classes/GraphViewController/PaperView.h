@@ -1,0 +1,28 @@
+// A plain view in the colour of the plot's own background.
+#pragma once
+
+#include <QColor>
+#include <QWidget>
+
+/// Around the plot, so that there is no seam between them.
+class PaperView : public QWidget {
+    Q_OBJECT
+
+  public:
+    explicit PaperView(QWidget* parent = nullptr);
+
+    void setPaper(const QColor& color);
+
+  Q_SIGNALS:
+    void resized();
+    /// In the view's own coordinates.
+    void doubleClicked(QPoint position);
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+
+  private:
+    QColor m_paper = Qt::white;
+};
