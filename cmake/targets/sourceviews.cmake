@@ -7,6 +7,7 @@ velquin_library(sourceviews
     EmbeddedPlugins/Common/SourcePage.h
     EmbeddedPlugins/Common/SourceSurvey.h
     EmbeddedPlugins/SourceViews.h
+    EmbeddedPlugins/TextEditor/LongTextEdit.h
     EmbeddedPlugins/TextEditor/XPTextEditorConfig.h
     EmbeddedPlugins/TextFile/PreviewTableModel.h
     EmbeddedPlugins/TextFile/XPTextFileConfig.h
@@ -17,6 +18,7 @@ velquin_library(sourceviews
     EmbeddedPlugins/Common/SourcePage.cpp
     EmbeddedPlugins/Common/SourceSurvey.cpp
     EmbeddedPlugins/SourceViews.cpp
+    EmbeddedPlugins/TextEditor/LongTextEdit.cpp
     EmbeddedPlugins/TextEditor/XPTextEditorConfig.cpp
     EmbeddedPlugins/TextFile/PreviewTableModel.cpp
     EmbeddedPlugins/TextFile/XPTextFileConfig.cpp

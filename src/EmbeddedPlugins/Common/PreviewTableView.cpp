@@ -63,6 +63,13 @@ void PreviewTableView::setReading(std::optional<double> part) {
     m_progress->setPercentage(static_cast<float>(std::isnan(part.value_or(0)) ? 0 : part.value_or(0) * 100));
 }
 
+void PreviewTableView::setEmptyText(const QString& text) {
+    if (text == m_emptyText)
+        return;
+    m_emptyText = text;
+    viewport()->update();
+}
+
 // ---- Layout
 
 int PreviewTableView::rows() const {
@@ -411,6 +418,12 @@ void PreviewTableView::paintEvent(QPaintEvent*) {
     for (int i = 0; i < shownRows; ++i)
         paintRow(painter, firstRow() + i, first, last);
     paintHead(painter, first, last);
+    if (rows() == 0) {
+        painter.setFont(font());
+        painter.setPen(currentColors().text3);
+        const QRect body = viewport()->rect().adjusted(padding, headHeight(), -padding, 0);
+        painter.drawText(body, static_cast<int>(Qt::AlignCenter) | Qt::TextWordWrap, m_emptyText);
+    }
 }
 
 void PreviewTableView::paintHead(QPainter& painter, int firstColumn, int lastColumn) const {

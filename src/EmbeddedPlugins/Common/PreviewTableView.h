@@ -6,6 +6,7 @@
 #include <QPoint>
 #include <QPointer>
 #include <QRect>
+#include <QString>
 
 #include <optional>
 #include <vector>
@@ -27,6 +28,8 @@ class PreviewTableView : public QAbstractScrollArea {
 
     void setModel(PreviewTableModel* model);
 
+    /// Says what is missing, where there are no rows.
+    void setEmptyText(const QString& text);
     /// 0 to 1 while data are read, NaN for an unknown part; nothing when no read runs.
     void setReading(std::optional<double> part);
 
@@ -90,6 +93,7 @@ class PreviewTableView : public QAbstractScrollArea {
 
     QPointer<PreviewTableModel> m_model;
     XMiniProgressIndicator* m_progress;
+    QString m_emptyText;
     QWidget* m_headRoom;             ///< keeps the scroll bar below the head
     std::vector<int> m_numberWidths; ///< what the sampled numbers of each column take
     std::vector<int> m_lefts{0};     ///< left edges of the columns and the right one of the last

@@ -131,7 +131,10 @@ void SourcePage::observePlugin(XPTextFile* plugin) {
     unbind(m_outlets.delimiterBox);
     if (plugin != nullptr) {
         setTitle(plugin->title());
-        const auto observe = [this](const KeyChange& change) { observeValueForKeyPath(change); };
+        const auto observe = [this](const KeyChange& change) {
+            if (m_view != nullptr)
+                observeValueForKeyPath(change);
+        };
         m_settingsObservation = Observation(*plugin, plugin->kvoKeys(), observe);
         m_observation = Observation(*plugin, observedKeys, observe);
         bind(m_outlets.delimiterBox, *plugin, "delimiterType");
@@ -176,6 +179,8 @@ void SourcePage::readingChanged() {
 }
 
 void SourcePage::refreshDataTable() {
+    if (m_view == nullptr)
+        return;
     setProgress(100);
     if (m_survey)
         m_survey->table.reset(); // of the table before
@@ -205,7 +210,7 @@ void SourcePage::startSurvey() {
 }
 
 void SourcePage::takeSurvey(quint64 number, const Survey& survey) {
-    if (number != m_surveyNumber || m_plugin == nullptr)
+    if (number != m_surveyNumber || m_plugin == nullptr || m_view == nullptr)
         return;
     m_survey = survey;
     surveyChanged();
@@ -260,6 +265,7 @@ QString SourcePage::statusText() const {
 void SourcePage::showState() {
     const bool reading = m_plugin != nullptr && m_plugin->isLoading();
     m_outlets.dataTable->setReading(reading ? std::optional(m_plugin->progress()) : std::nullopt);
+    m_outlets.dataTable->setEmptyText(reading ? QString() : emptyText());
     m_outlets.countLabel->setText(countText());
     const QString text = statusText();
     if (text != status())

@@ -62,8 +62,10 @@ class SourcePage : public XViewController, public PendingEdits {
 
     /// The file to look at; none for data that came otherwise.
     virtual QString surveyedPath() const { return {}; }
-    /// The file and the table were looked at, or are about to be: then `survey` is empty.
+    /// The file and the table were looked at.
     virtual void surveyChanged() {}
+    /// What to do when there is nothing to show.
+    virtual QString emptyText() const = 0;
     const std::optional<Survey>& survey() const { return m_survey; }
     void showState();
 

@@ -2,7 +2,9 @@
 #include "EmbeddedPlugins/TextEditor/XPTextEditorConfig.h"
 
 #include "Core/Assertions.h"
+#include "Core/ClampToInt.h"
 #include "EmbeddedPlugins/Common/PreviewTableView.h"
+#include "EmbeddedPlugins/TextEditor/LongTextEdit.h"
 #include "EmbeddedPlugins/TextEditor/XPTextEditor.h"
 #include "Platform/Core/MainThread.h"
 #include "Platform/Widgets/Binding.h"
@@ -66,13 +68,19 @@ void XPTextEditorConfig::awakeFromNib() {
     view()->installEventFilter(this);
     m_transfer.setSingleShot(true);
     m_transfer.setInterval(transferMilliseconds);
-    connect(&m_transfer, &QTimer::timeout, this, &XPTextEditorConfig::transferTextToPlugin);
+    connect(&m_transfer, &QTimer::timeout, this, [this] {
+        if (view() != nullptr && m_ui->textView->isTakingText())
+            m_transfer.start();
+        else
+            transferTextToPlugin();
+    });
     connect(m_ui->textView, &QPlainTextEdit::textChanged, this, &XPTextEditorConfig::textDidChange);
+    connect(m_ui->textView, &LongTextEdit::textTaken, this, &XPTextEditorConfig::showTaking);
     connect(m_ui->dataTable, &PreviewTableView::refreshRequested, this, &SourcePage::refreshDataTable);
     refreshDataTable();
 }
 
-QPlainTextEdit* XPTextEditorConfig::textView() const {
+LongTextEdit* XPTextEditorConfig::textView() const {
     return m_ui->textView;
 }
 
@@ -97,16 +105,29 @@ void XPTextEditorConfig::observeValueForKeyPath(const KeyChange& change) {
     SourcePage::observeValueForKeyPath(change);
 }
 
+QString XPTextEditorConfig::emptyText() const {
+    return tr("Type or paste lines of numbers, and their values are shown here");
+}
+
 // ---- The text
 
 /// Shows a text that did not come from here.
 void XPTextEditorConfig::showText() {
-    if (m_showingText)
+    if (m_showingText || view() == nullptr)
         return;
-    m_showingText = true;
     m_transfer.stop();
-    m_ui->textView->setPlainText(editor() == nullptr ? QString() : editor()->textData().value_or(QString()));
-    m_showingText = false;
+    m_showingText = true;
+    m_ui->textView->showText(editor() == nullptr ? QString() : editor()->textData().value_or(QString()));
+    m_showingText = m_ui->textView->isTakingText();
+}
+
+/// A long text comes in over a while.
+void XPTextEditorConfig::showTaking(double part) {
+    const bool taking = m_ui->textView->isTakingText();
+    m_ui->hintLabel->setText(taking ? tr("Taking the text… %1 %").arg(clampToInt(part * 100))
+                                    : tr("Read again one second after the last key"));
+    if (!taking)
+        m_showingText = false;
 }
 
 void XPTextEditorConfig::textDidChange() {
@@ -116,8 +137,10 @@ void XPTextEditorConfig::textDidChange() {
 
 void XPTextEditorConfig::transferTextToPlugin() {
     m_transfer.stop();
-    if (editor() == nullptr)
+    if (editor() == nullptr || view() == nullptr)
         return;
+    m_ui->textView->takeRest();
+    m_transfer.stop(); // started again by the rest
     const bool outer = std::exchange(m_showingText, true);
     editor()->setTextData(m_ui->textView->toPlainText());
     m_showingText = outer;
@@ -126,7 +149,7 @@ void XPTextEditorConfig::transferTextToPlugin() {
 
 void XPTextEditorConfig::commitPendingEdits() {
     SourcePage::commitPendingEdits();
-    if (m_transfer.isActive())
+    if (m_transfer.isActive()) // a text that is still being pasted keeps it active
         transferTextToPlugin();
 }
 

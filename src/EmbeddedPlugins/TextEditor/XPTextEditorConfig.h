@@ -8,7 +8,7 @@
 
 #include <memory>
 
-class QPlainTextEdit;
+class LongTextEdit;
 class QSplitter;
 class XPTextEditor;
 
@@ -28,7 +28,7 @@ class XPTextEditorConfig : public SourcePage {
     /// Ties the controls; called once, by the constructor.
     void awakeFromNib();
 
-    QPlainTextEdit* textView() const;
+    LongTextEdit* textView() const;
     const QFont& editorFont() const { return m_editorFont; }
 
     /// The text changed: has it handed over once no further change came for a while.
@@ -41,11 +41,13 @@ class XPTextEditorConfig : public SourcePage {
 
   protected:
     void observeValueForKeyPath(const KeyChange& change) override;
+    QString emptyText() const override;
     bool eventFilter(QObject* object, QEvent* event) override;
 
   private:
     XPTextEditor* editor() const;
     void showText();
+    void showTaking(double part);
     void arrangeHalves();
 
     std::unique_ptr<Ui::XPTextEditorConfig> m_ui;

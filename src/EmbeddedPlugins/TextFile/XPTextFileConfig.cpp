@@ -124,6 +124,13 @@ void XPTextFileConfig::observeValueForKeyPath(const KeyChange& change) {
     SourcePage::observeValueForKeyPath(change);
 }
 
+QString XPTextFileConfig::emptyText() const {
+    if (!fault().isEmpty())
+        return fault();
+    return surveyedPath().isEmpty() ? tr("Choose a data file above, and its values are shown here")
+                                    : tr("Nothing was read yet");
+}
+
 // ---- The file
 
 void XPTextFileConfig::updateRecentFiles() {

@@ -42,6 +42,7 @@ class XPTextFileConfig : public SourcePage {
 
   protected:
     void observeValueForKeyPath(const KeyChange& change) override;
+    QString emptyText() const override;
     QString surveyedPath() const override;
     void surveyChanged() override;
 
