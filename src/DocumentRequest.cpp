@@ -153,6 +153,8 @@ void applyPlotArea(MoxDocument& document, const CommandLine& line) {
         document.setAxisMinY(line.yRange->minimum);
         document.setAxisMaxY(line.yRange->maximum);
     }
+    if (line.legend)
+        document.setShowLegend(true);
 }
 
 } // namespace
