@@ -64,9 +64,9 @@ QAction* WindowMenus::add(QMenu& menu, const MenuCommand& command) {
     QAction* action = menu.addAction(translated(command.text));
     action->setObjectName(QLatin1String(command.name));
     action->setShortcuts(sequencesOf(command.keys));
-    action->setCheckable(command.isChecked != nullptr);
-    if (command.choiceGroup != nullptr) {
-        const QString groupName = QLatin1String(command.choiceGroup);
+    action->setCheckable(command.state.isChecked != nullptr);
+    if (command.state.choiceGroup != nullptr) {
+        const QString groupName = QLatin1String(command.state.choiceGroup);
         auto* group = findChild<QActionGroup*>(groupName);
         if (group == nullptr) {
             group = new QActionGroup(this);
@@ -94,14 +94,14 @@ QAction* WindowMenus::action(const char* name) const {
 
 void WindowMenus::refresh() {
     for (const auto& [command, action] : m_entries) {
-        const bool enabled = command->isEnabled == nullptr || command->isEnabled(m_window);
+        const bool enabled = command->state.isEnabled == nullptr || command->state.isEnabled(m_window);
         action->setEnabled(enabled);
-        if (command->isChecked != nullptr)
-            action->setChecked(command->isChecked(m_window));
-        if (command->textNow != nullptr)
-            action->setText(command->textNow(m_window));
-        const bool tellsWhy = !enabled && command->whyDisabled != nullptr;
-        action->setToolTip(translated(tellsWhy ? command->whyDisabled : command->help));
+        if (command->state.isChecked != nullptr)
+            action->setChecked(command->state.isChecked(m_window));
+        if (command->state.textNow != nullptr)
+            action->setText(command->state.textNow(m_window));
+        const bool tellsWhy = !enabled && command->state.whyDisabled != nullptr;
+        action->setToolTip(translated(tellsWhy ? command->state.whyDisabled : command->help));
     }
 }
 
