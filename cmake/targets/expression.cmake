@@ -7,6 +7,7 @@ velquin_library(expression
     Classes/ExpressionEvaluator/EvaluatorFunctions.h
     Classes/ExpressionEvaluator/ExpressionErrors.h
     Classes/ExpressionEvaluator/ExpressionText.h
+    Classes/ExpressionEvaluator/FunctionHelp.h
     Classes/ExpressionEvaluator/RowEvaluator.h
     Classes/ExpressionEvaluator/XExpressionEvaluator.h
     Classes/ExpressionEvaluator/XExpressionEvaluatorTask.h
@@ -15,6 +16,7 @@ velquin_library(expression
     Classes/ExpressionEvaluator/EvaluatorFunctions.cpp
     Classes/ExpressionEvaluator/ExpressionErrors.cpp
     Classes/ExpressionEvaluator/ExpressionText.cpp
+    Classes/ExpressionEvaluator/FunctionHelp.cpp
     Classes/ExpressionEvaluator/RowEvaluator.cpp
     Classes/ExpressionEvaluator/XExpressionEvaluator.cpp
     Classes/ExpressionEvaluator/XExpressionEvaluatorTask.cpp

@@ -5,7 +5,9 @@ velquin_library(sidebar
     Classes/CurvesSidebar/CCurveViewController.h
     Classes/CurvesSidebar/CCurveViewControllerDelegate.h
     Classes/CurvesSidebar/ColorButton.h
+    Classes/CurvesSidebar/CompletionList.h
     Classes/CurvesSidebar/ExpressionField.h
+    Classes/CurvesSidebar/ExpressionSuggestions.h
     Classes/CurvesSidebar/RowPopups.h
     Classes/CurvesSidebar/RowTextField.h
     Classes/CurvesSidebar/SpinField.h
@@ -14,7 +16,9 @@ velquin_library(sidebar
     Classes/CurvesSidebar/CCurveViewController.cpp
     Classes/CurvesSidebar/CCurveViewControllerShowing.cpp
     Classes/CurvesSidebar/ColorButton.cpp
+    Classes/CurvesSidebar/CompletionList.cpp
     Classes/CurvesSidebar/ExpressionField.cpp
+    Classes/CurvesSidebar/ExpressionSuggestions.cpp
     Classes/CurvesSidebar/RowPopups.cpp
     Classes/CurvesSidebar/RowTextField.cpp
     Classes/CurvesSidebar/SpinField.cpp

@@ -29,12 +29,31 @@ RowTextField::RowTextField(QWidget* parent) : QLineEdit(parent) {
     connect(this, &QLineEdit::editingFinished, this, [this] { m_settledText = text(); });
 }
 
-bool RowTextField::showsAll() const {
+QRect RowTextField::textRoom() const {
     QStyleOptionFrame option;
     initStyleOption(&option);
     const QRect room = style()->subElementRect(QStyle::SE_LineEditContents, &option, this);
-    return fontMetrics().horizontalAdvance(text()) <=
-           room.marginsRemoved(textMargins()).width() - 2 * innerMargin;
+    return room.marginsRemoved(textMargins()).adjusted(innerMargin, 0, -innerMargin, 0);
+}
+
+bool RowTextField::showsAll() const {
+    return fontMetrics().horizontalAdvance(text()) <= textRoom().width();
+}
+
+void RowTextField::paintEvent(QPaintEvent* event) {
+    if (hasFocus() || showsAll()) {
+        QLineEdit::paintEvent(event);
+        return;
+    }
+    QPainter painter(this);
+    QStyleOptionFrame option;
+    initStyleOption(&option);
+    style()->drawPrimitive(QStyle::PE_PanelLineEdit, &option, &painter, this);
+    const QRect room = textRoom();
+    const int top = room.top() + (room.height() - fontMetrics().height() + 1) / 2; // as the toolkit has it
+    painter.setPen(palette().color(QPalette::Text));
+    painter.drawText(room.left(), top + fontMetrics().ascent(),
+                     fontMetrics().elidedText(text(), Qt::ElideMiddle, room.width()));
 }
 
 bool RowTextField::event(QEvent* event) {

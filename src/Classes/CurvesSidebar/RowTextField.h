@@ -15,11 +15,13 @@ class RowTextField : public QLineEdit {
   protected:
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
 
   private:
     bool isPending() const { return text() != m_settledText; }
+    QRect textRoom() const;
     bool showsAll() const;
 
     QString m_settledText; ///< as it was shown or committed last

@@ -10,6 +10,9 @@
 
 namespace {
 
+constexpr int rightSlack = 4;
+constexpr int besideText = 10; ///< in a field's box
+
 bool isUndoOrRedo(const QKeyEvent& key) {
     return key.matches(QKeySequence::Undo) || key.matches(QKeySequence::Redo);
 }
@@ -81,4 +84,27 @@ void SpinField::contextMenuEvent(QContextMenuEvent* event) {
         event->ignore(); // the row's
     else
         QSpinBox::contextMenuEvent(event);
+}
+
+void SpinField::resizeEvent(QResizeEvent* event) {
+    QSpinBox::resizeEvent(event);
+    fitUnit();
+}
+
+void SpinField::changeEvent(QEvent* event) {
+    QSpinBox::changeEvent(event);
+    if (event->type() == QEvent::FontChange)
+        fitUnit();
+}
+
+void SpinField::fitUnit() {
+    if (m_unit.isEmpty())
+        m_unit = suffix();
+    // The toolkit keeps room at the right for a cursor that stands behind the text.
+    lineEdit()->setTextMargins(0, 0, -rightSlack, 0);
+    const QString widest = textFromValue(maximum()) + m_unit;
+    const bool fits = fontMetrics().horizontalAdvance(widest) <= width() - besideText;
+    const QString fitting = fits ? m_unit : m_unit.trimmed();
+    if (fitting != suffix())
+        setSuffix(fitting);
 }

@@ -29,10 +29,14 @@ class SpinField : public QSpinBox {
     void keyPressEvent(QKeyEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
   private:
     void endBurst();
+    void fitUnit();
 
+    QString m_unit; ///< as it was set first, with its blank
     QTimer m_pause;
     bool m_isInBurst = false;
     bool m_isTyped = false; ///< since the last commit

@@ -424,6 +424,10 @@ void VelquinStyle::drawComplexControl(ComplexControl control, const QStyleOption
     case CC_SpinBox:
         drawField(*painter, option->rect, fieldState(option, widget));
         return;
+    case CC_ToolButton: // without an outline the toolkit draws no panel, but the ring is due
+        QProxyStyle::drawComplexControl(control, option, painter, widget);
+        drawInnerRing(*painter, option, widget);
+        return;
     case CC_ScrollBar: {
         const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
         if (bar == nullptr || bar->maximum <= bar->minimum)
