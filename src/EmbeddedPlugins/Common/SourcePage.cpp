@@ -203,8 +203,10 @@ void SourcePage::commitPendingEdits() {
 void SourcePage::startSurvey() {
     m_queue.cancelAll();
     ++m_surveyNumber;
-    if (m_plugin == nullptr || m_plugin->isLoading())
+    if (m_plugin == nullptr || m_plugin->isLoading()) {
+        m_surveyTaken = m_surveyNumber;
         return;
+    }
     m_queue.add(std::make_shared<SurveyOperation>(QPointer<SourcePage>(this), m_surveyNumber, surveyedPath(),
                                                   m_plugin->data()));
 }
@@ -212,6 +214,7 @@ void SourcePage::startSurvey() {
 void SourcePage::takeSurvey(quint64 number, const Survey& survey) {
     if (number != m_surveyNumber || m_plugin == nullptr || m_view == nullptr)
         return;
+    m_surveyTaken = number;
     m_survey = survey;
     surveyChanged();
     showState();

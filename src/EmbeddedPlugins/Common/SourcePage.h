@@ -33,6 +33,8 @@ class SourcePage : public XViewController, public PendingEdits {
 
     /// Shows the source's columns anew.
     void refreshDataTable();
+    /// Whether file and table are being looked at, for what the page says about them.
+    bool isSurveying() const { return m_surveyTaken != m_surveyNumber; }
     /// Takes over what was typed into a field and not yet entered.
     void commitPendingEdits() override;
 
@@ -87,6 +89,7 @@ class SourcePage : public XViewController, public PendingEdits {
     QElapsedTimer m_readClock;
     std::optional<double> m_readSeconds; ///< of the table that is shown
     std::optional<Survey> m_survey;
-    quint64 m_surveyNumber = 0;
+    quint64 m_surveyNumber = 0; ///< of the latest
+    quint64 m_surveyTaken = 0;
     OperationQueue m_queue{1}; ///< last: it ends before what its results go to
 };

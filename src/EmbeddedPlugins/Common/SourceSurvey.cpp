@@ -46,11 +46,13 @@ std::vector<Line> splitLines(std::string_view head, const char* delimiters) {
     return lines;
 }
 
+/// The first line, which may hold names, counts only where it is alone.
 bool mostFallIntoNumbers(const std::vector<Line>& lines) {
-    const auto fitting = std::count_if(lines.begin(), lines.end(), [](const Line& line) {
+    const auto begin = lines.begin() + (lines.size() > 1 ? 1 : 0);
+    const auto fitting = std::count_if(begin, lines.end(), [](const Line& line) {
         return std::count_if(line.begin(), line.end(), isNumber) >= 2;
     });
-    return 2 * static_cast<std::size_t>(fitting) > lines.size();
+    return 2 * fitting > lines.end() - begin;
 }
 
 /// Whether some field of the first line is a word over a number of the second.

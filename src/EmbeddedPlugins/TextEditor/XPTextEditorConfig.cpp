@@ -17,7 +17,6 @@
 
 #include <array>
 #include <string_view>
-#include <utility>
 
 namespace {
 
@@ -113,7 +112,7 @@ QString XPTextEditorConfig::emptyText() const {
 
 /// Shows a text that did not come from here.
 void XPTextEditorConfig::showText() {
-    if (m_showingText || view() == nullptr)
+    if (m_handingOver || view() == nullptr)
         return;
     m_transfer.stop();
     m_showingText = true;
@@ -141,9 +140,9 @@ void XPTextEditorConfig::transferTextToPlugin() {
         return;
     m_ui->textView->takeRest();
     m_transfer.stop(); // started again by the rest
-    const bool outer = std::exchange(m_showingText, true);
+    m_handingOver = true;
     editor()->setTextData(m_ui->textView->toPlainText());
-    m_showingText = outer;
+    m_handingOver = false;
     editor()->read();
 }
 

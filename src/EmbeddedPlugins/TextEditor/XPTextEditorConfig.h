@@ -55,4 +55,5 @@ class XPTextEditorConfig : public SourcePage {
     QTimer m_transfer;
     Observation m_textObservation;
     bool m_showingText = false; ///< the text comes from the source, not from the user
+    bool m_handingOver = false; ///< the other way round
 };
