@@ -143,8 +143,9 @@ void XPlotView::updateReadouts() {
 }
 
 void XPlotView::placeQuickHelp() {
+    const bool wanted = m_scene.curves().isEmpty();
     m_quickHelp->setDark(m_scene.styles().isDark());
-    m_quickHelp->placeOn(widgetRect(m_scene.calculateMargins().plotRect()), m_scene.curves().isEmpty());
+    m_quickHelp->placeOn(wanted ? widgetRect(m_scene.calculateMargins().plotRect()) : QRect(), wanted);
 }
 
 void XPlotView::updateCursor() {
