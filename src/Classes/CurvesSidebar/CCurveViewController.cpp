@@ -79,6 +79,11 @@ CCurveViewController::CCurveViewController(ArrangedObjects& dataSources,
       m_graphPointsLibrary(XPointsLibrary::sharedLibrary()), m_ui(std::make_unique<Ui::CurveView>()),
       m_view(new CCurveView) {
     m_ui->setupUi(m_view);
+    // A row may outlive its view for a moment, and then shows nothing any more.
+    connect(m_view, &QObject::destroyed, this, [this] {
+        m_curveObservation.end();
+        m_registrations = {};
+    });
     m_values = {
         {{u"x"_qs, m_ui->xRowPopupButton, m_ui->xRowTextField, m_ui->xUseExpressionButton,
           m_ui->xExpressionProgress, "x_uses_expression", "x_data_expression", "xExpressionError",
