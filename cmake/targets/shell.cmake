@@ -16,6 +16,7 @@ velquin_library(shell
     Classes/WindowControllers/DataSourceTab.h
     Classes/WindowControllers/DocumentController.h
     Classes/WindowControllers/EditCommands.h
+    Classes/WindowControllers/FocusRegions.h
     Classes/WindowControllers/MenuTable.h
     Classes/WindowControllers/MoxDocumentWindow.h
     Classes/WindowControllers/StatusLine.h
@@ -41,6 +42,7 @@ velquin_library(shell
     Classes/WindowControllers/DataSourceTab.cpp
     Classes/WindowControllers/DocumentController.cpp
     Classes/WindowControllers/EditCommands.cpp
+    Classes/WindowControllers/FocusRegions.cpp
     Classes/WindowControllers/MenuTable.cpp
     Classes/WindowControllers/MoxDocumentWindow.cpp
     Classes/WindowControllers/MoxDocumentWindowClosing.cpp

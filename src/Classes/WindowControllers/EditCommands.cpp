@@ -1,9 +1,7 @@
 // One table of what each kind of text can do.
 #include "Classes/WindowControllers/EditCommands.h"
 
-#include <QAbstractItemView>
 #include <QAbstractSpinBox>
-#include <QAction>
 #include <QClipboard>
 #include <QComboBox>
 #include <QGuiApplication>
@@ -30,12 +28,8 @@ QWidget* textWidget(const QWidget* focus) {
     return widget;
 }
 
-QAction* ownCopyAction(const QWidget& widget) {
-    for (QAction* action : widget.actions()) {
-        if (action->shortcuts().contains(QKeySequence(QKeySequence::Copy)))
-            return action;
-    }
-    return nullptr;
+bool hasMethod(const QWidget* widget, const char* signature) {
+    return widget != nullptr && widget->metaObject()->indexOfMethod(signature) >= 0;
 }
 
 bool stateOf(const QWidget* widget, TextState& state) {
@@ -54,21 +48,13 @@ bool stateOf(const QWidget* widget, TextState& state) {
         state.hasSelection = label->hasSelectedText();
         return true;
     }
-    if (const auto* view = qobject_cast<const QAbstractItemView*>(widget)) {
-        const QAction* copy = ownCopyAction(*view);
-        state.hasSelection = copy != nullptr && copy->isEnabled();
-        state.hasText = true;
-        return copy != nullptr;
-    }
-    return false;
+    // Tables and the like that bring these commands themselves.
+    state.hasSelection = hasMethod(widget, "copy()");
+    state.hasText = hasMethod(widget, "selectAll()");
+    return state.hasSelection;
 }
 
 } // namespace
-
-bool EditCommands::isText(const QWidget* focus) {
-    TextState state;
-    return stateOf(textWidget(focus), state);
-}
 
 bool EditCommands::can(EditCommand command, const QWidget* focus) {
     TextState state;
@@ -95,12 +81,9 @@ void EditCommands::perform(EditCommand command, QWidget* focus) {
     QWidget* widget = textWidget(focus);
     if (!can(command, widget))
         return;
-    if (command == EditCommand::Copy) {
-        if (const auto* label = qobject_cast<const QLabel*>(widget))
-            return QGuiApplication::clipboard()->setText(label->selectedText());
-        if (QAction* copy = ownCopyAction(*widget))
-            return copy->trigger();
-    }
+    const auto* label = qobject_cast<const QLabel*>(widget);
+    if (command == EditCommand::Copy && label != nullptr)
+        return QGuiApplication::clipboard()->setText(label->selectedText());
     constexpr const char* methods[] = {"undo", "redo", "cut", "copy", "paste", "selectAll"};
     QMetaObject::invokeMethod(widget, methods[static_cast<int>(command)]);
 }

@@ -4,6 +4,7 @@
 #include "Classes/GraphViewController/XGraphViewController.h"
 #include "Classes/WindowControllers/DocumentController.h"
 #include "Classes/WindowControllers/EditCommands.h"
+#include "Classes/WindowControllers/FocusRegions.h"
 #include "Classes/WindowControllers/MoxDocumentWindow.h"
 #include "Classes/WindowControllers/WindowMenus.h"
 #include "MoxDocument.h"
@@ -86,12 +87,11 @@ bool canRedo(const Window& window) {
 }
 
 bool canPaste(const Window& window) {
-    const QWidget* focus = window.menus().focus();
-    return EditCommands::isText(focus) ? EditCommands::can(EditCommand::Paste, focus) : !hasSource(window);
+    return canInText<EditCommand::Paste>(window) || !hasSource(window);
 }
 
 void paste(Window& window) {
-    if (EditCommands::isText(window.menus().focus()))
+    if (canInText<EditCommand::Paste>(window))
         performInText<EditCommand::Paste>(window);
     else
         window.paste();
@@ -316,6 +316,11 @@ constexpr MenuCommand windowCommands[] = {
      [](Window& window) { window.selectNextTab(1); }},
     {"previousTab", "&Previous Tab", "Ctrl+PgUp", "Select the previous tab",
      [](Window& window) { window.selectNextTab(-1); }},
+    {"nextRegion", "Next &Region", "F6", "Put the keyboard into the next part of the window",
+     [](Window& window) { FocusRegions::selectNext(window, 1); }},
+    {"previousRegion", "Previous Re&gion", "Shift+F6",
+     "Put the keyboard into the previous part of the window",
+     [](Window& window) { FocusRegions::selectNext(window, -1); }},
     separator,
     {"standardSize", "&Standard Size", "", "920 by 550, so that pictures of plots are of one size",
      [](Window& window) { window.onPrepareToSnapshot(); }},

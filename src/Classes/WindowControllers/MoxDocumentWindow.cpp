@@ -23,6 +23,7 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QLabel>
 #include <QMenu>
 #include <QPointer>
 #include <QScreen>
@@ -259,6 +260,10 @@ void MoxDocumentWindow::selectionChanged() {
     if (XViewController* page = selectedPage())
         m_selectedPage =
             Observation(*page, statusKeys, [this](const KeyChange& change) { statusChanged(change); });
+    // A page that was just put into the window comes last for the keyboard, but for the status line.
+    QWidget* last = previousInFocusChain();
+    if (!statusLine().isAncestorOf(last))
+        setTabOrder(last, statusLine().messageLabel());
     updateStatus();
     Q_EMIT commandStatesChanged();
 }

@@ -23,8 +23,9 @@ namespace {
 QString timeOf(const QDateTime& moment) {
     const QLocale locale;
     const bool today = moment.date() == QDate::currentDate();
-    return today ? locale.toString(moment.time(), QLocale::ShortFormat)
-                 : locale.toString(moment, QLocale::ShortFormat);
+    const QString format =
+        today ? locale.timeFormat(QLocale::ShortFormat) : locale.dateTimeFormat(QLocale::ShortFormat);
+    return locale.toString(moment, QString(format).remove(u":ss"_qs));
 }
 
 /// A reason as a sentence of its own.

@@ -18,8 +18,8 @@ constexpr int lineHeight = 24;
 constexpr int sideMargin = 12;
 constexpr int labelGap = 6;
 constexpr int columnGap = 16;
-/// Room of a value at first: a date and time, or a number with exponent.
-constexpr auto widestUsualValue = "-0.000000e+000";
+/// Room of a value at first.
+constexpr auto usualValue = "-00000.000";
 
 } // namespace
 
@@ -27,6 +27,7 @@ StatusLine::StatusLine(QWidget* parent)
     : QWidget(parent), m_layout(new QHBoxLayout(this)), m_messageLabel(addText(labelRole)) {
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     setAccessibleName(tr("Status line"));
+    m_messageLabel->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     m_messageLabel->setAccessibleName(tr("Message"));
     m_messageLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_layout->setContentsMargins(sideMargin, 1, sideMargin, 0);
@@ -43,7 +44,7 @@ QLabel* StatusLine::addText(QPalette::ColorRole ink) {
     text->setFont(VelquinStyle::smallFont(font()));
     text->setForegroundRole(ink);
     text->setTextFormat(Qt::PlainText);
-    text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    text->setTextInteractionFlags(Qt::TextSelectableByMouse);
     return text;
 }
 
@@ -78,7 +79,7 @@ void StatusLine::makeColumns(const Readouts& readouts) {
         column.value->setAccessibleName(readout.label);
         if (!readout.label.isEmpty())
             column.value->setMinimumWidth(
-                column.value->fontMetrics().horizontalAdvance(QLatin1String(widestUsualValue)));
+                column.value->fontMetrics().horizontalAdvance(QLatin1String(usualValue)));
         m_layout->addSpacing(columnGap);
         m_layout->addWidget(column.label);
         if (!readout.label.isEmpty())

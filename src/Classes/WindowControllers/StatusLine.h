@@ -10,7 +10,7 @@
 class QHBoxLayout;
 class QLabel;
 
-/// Its text can be selected and copied.
+/// Its texts can be selected and copied.
 class StatusLine : public QWidget {
     Q_OBJECT
 
@@ -18,6 +18,8 @@ class StatusLine : public QWidget {
     explicit StatusLine(QWidget* parent = nullptr);
 
     QString message() const { return m_message; }
+    /// The one part that the keyboard reaches.
+    QLabel* messageLabel() const { return m_messageLabel; }
     void setMessage(const QString& message);
     const Readouts& readouts() const { return m_readouts; }
     /// A column keeps its width while the labels stay the same, and widens for longer values.
