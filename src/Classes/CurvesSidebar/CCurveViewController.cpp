@@ -121,6 +121,8 @@ void CCurveViewController::awakeFromNib() {
             value.expression->setBed(bedOfProgress);
         }
         value.expression->hide();
+        value.useExpression->setImage(
+            u"expression_disabled"_qs); // the view may be shown before it has a curve
         value.progress->raise();
     }
     createCloseButton();
