@@ -188,6 +188,7 @@ TEST(SourceNotices, suggestOnlyWhatHelps) {
     SourceFacts facts = allWrong();
     facts.settings.delimiterType = 0;
     EXPECT_EQ(adjusted(NoticeKind::ColumnNames, facts), (SplitSettings{0, 1, 2, true}));
+    facts.table->emptyRows = 2;
     facts.settings = {2'000'000'000, 2'000'000'000, 1, true};
     const int most = std::numeric_limits<int>::max();
     EXPECT_EQ(adjusted(NoticeKind::WindowsLineEnds, facts), (SplitSettings{most, most, 1, true}));
@@ -215,10 +216,25 @@ TEST(SourceNotices, adjustingReadsWindowsLineEndsLikePlainOnes) {
             for (const int every : {0, 1, 2, 3}) {
                 SourceFacts facts;
                 facts.settings = {skip, every, 1, header};
-                EXPECT_EQ(dumpOf(QByteArray(text).replace("\n", "\r\n"),
-                                 adjusted(NoticeKind::WindowsLineEnds, facts)),
+                const QByteArray windowsText = QByteArray(text).replace("\n", "\r\n");
+                EXPECT_EQ(dumpOf(windowsText, adjusted(NoticeKind::WindowsLineEnds, facts)),
                           dumpOf(text, facts.settings))
                     << header << " " << skip << " " << every;
+                if (header)
+                    continue;
+                // Names taken after that are names alone.
+                facts.head = surveyHead(windowsText.toStdString(), true);
+                const SplitSettings named = adjusted(NoticeKind::ColumnNames, facts);
+                facts.settings = adjusted(NoticeKind::WindowsLineEnds, facts);
+                EXPECT_EQ(dumpOf(windowsText, adjusted(NoticeKind::ColumnNames, facts)), dumpOf(text, named))
+                    << skip << " " << every;
+                // Names taken by hand leave nothing but empty lines, and a way back.
+                facts.settings.extractColumnNames = true;
+                facts.table = TableSurvey{5, 2, 5, 0, false, {}};
+                EXPECT_TRUE(noticesOf(facts).first().text.contains(QStringLiteral("only empty lines")));
+                const SplitSettings byHand = adjusted(NoticeKind::WindowsLineEnds, facts);
+                EXPECT_NE(dumpOf(windowsText, byHand).find(".000,"), std::string::npos)
+                    << skip << " " << every;
             }
         }
     }

@@ -28,8 +28,16 @@ std::optional<int> betterDelimiter(const SourceFacts& facts) {
     const std::optional<int> fitting = facts.head.fittingDelimiter;
     const int current = facts.settings.delimiterType;
     // Numbers anywhere finds what the others find, and spaces are part of "space or tab".
-    const bool covered = current == 0 || (current == 5 && (fitting == 3 || fitting == 4));
+    const bool covered = current == 0 || (current == 5 && fitting.value_or(0) >= 3);
     return fitting && *fitting != current && !covered ? fitting : std::nullopt;
+}
+
+/// With Windows line ends an even number of lines leads from one row to the next, or from one of the empty
+/// lines that follow them to the next.
+bool takesEmptyLines(const SourceFacts& facts) {
+    const int every = facts.settings.everyNthLine;
+    return facts.head.windowsLineEnds && every > 1 && every % 2 == 0 && facts.table &&
+           facts.table->emptyRows > 0 && facts.table->emptyRows == facts.table->rows;
 }
 
 /// At which splitter the first line names the columns; numbers anywhere have no names by themselves.
@@ -73,15 +81,17 @@ void addFault(QList<SourceNotice>& notices, const SourceFacts& facts) {
 }
 
 void addAboutLines(QList<SourceNotice>& notices, const SourceFacts& facts) {
-    if (facts.head.windowsLineEnds && facts.table->alternateRowsEmpty) {
+    const bool emptyOnes = takesEmptyLines(facts);
+    if (emptyOnes || (facts.head.windowsLineEnds && facts.table->alternateRowsEmpty)) {
         const SplitSettings after = adjusted(NoticeKind::WindowsLineEnds, facts);
         const QString lines = after.skiplines == 1 ? tr("1 line") : tr("%1 lines").arg(after.skiplines);
         const QString every = QString::number(after.everyNthLine);
+        const QString what = emptyOnes ? tr("Windows line ends: only empty lines are taken. ")
+                                       : tr("Windows line ends: every second row is empty. ");
         const QString change = after.skiplines == 0
                                    ? tr("Adjusting takes one line in %1.").arg(every)
                                    : tr("Adjusting skips %1 and takes one line in %2.").arg(lines, every);
-        notices.append({NoticeKind::WindowsLineEnds,
-                        tr("Windows line ends: every second row is empty. ") + change, tr("Adjust")});
+        notices.append({NoticeKind::WindowsLineEnds, what + change, tr("Adjust")});
     }
     const std::optional<int> better = betterDelimiter(facts);
     if (facts.table->columns <= 1 && better)
@@ -138,6 +148,10 @@ SplitSettings adjusted(NoticeKind kind, const SourceFacts& facts) {
     switch (kind) {
     case NoticeKind::WindowsLineEnds:
         // The line feed after each carriage return is a line of its own, the one after the header too.
+        if (takesEmptyLines(facts)) {
+            after.skiplines = clamped(std::int64_t{1} + after.skiplines);
+            break;
+        }
         after.skiplines =
             clamped(std::int64_t{2} * std::max(after.skiplines, 0) + (after.extractColumnNames ? 1 : 0));
         after.everyNthLine = clamped(std::int64_t{2} * std::max(after.everyNthLine, 1));
@@ -149,6 +163,9 @@ SplitSettings adjusted(NoticeKind kind, const SourceFacts& facts) {
         if (const std::optional<int> type = delimiterOfNames(facts)) {
             after.delimiterType = *type;
             after.extractColumnNames = true;
+            // Lines to skip are counted after the names; the rows stay the same, but for the one of the
+            // names.
+            after.skiplines = after.skiplines > 0 ? after.skiplines - 1 : std::max(after.everyNthLine, 1) - 1;
         }
         break;
     default:

@@ -23,7 +23,7 @@
 namespace {
 
 /// A count of lines, 0 or more. An emptied field resets the key in the source's own way.
-ValueTransform lineCount(QPointer<XPTextFile> source, const char* key) {
+ValueTransform lineCount(const QPointer<XPTextFile>& source, const char* key) {
     return {{},
             [source, key](const QVariant& text) -> std::optional<QVariant> {
                 const QString entered = text.toString().trimmed();
