@@ -13,6 +13,7 @@
 #include "Platform/Widgets/VelquinStyle.h"
 #include "ui_CurveView.h"
 
+#include <QApplication>
 #include <QMenu>
 
 #include <algorithm>
@@ -29,7 +30,7 @@ QColor shownColor(const RgbaColor& color) {
 } // namespace
 
 QString CCurveViewController::shownTitle() const {
-    return m_ui->curveName->text().isEmpty() ? m_ui->curveName->placeholderText() : m_curve->title();
+    return m_curve->title().isEmpty() ? m_ui->curveName->placeholderText() : m_curve->title();
 }
 
 void CCurveViewController::showLook() {
@@ -132,6 +133,9 @@ bool CCurveViewController::isFolded() const {
 void CCurveViewController::setFolded(bool folded) {
     if (folded == isFolded())
         return;
+    const QWidget* focus = QApplication::focusWidget();
+    if (folded && focus != m_ui->curveName && focus != m_ui->visibleButton && m_view->isAncestorOf(focus))
+        m_ui->foldButton->setFocus();
     m_view->setFolded(folded);
     showSettings();
     Q_EMIT heightChanged();
@@ -140,21 +144,22 @@ void CCurveViewController::setFolded(bool folded) {
 /// Of a column or number and its expression one is there, and none of the settings while the row is folded.
 void CCurveViewController::showSettings() {
     const bool open = !isFolded();
-    const bool hadFocus = m_view->focusWidget() != nullptr && m_view->focusWidget()->hasFocus();
     for (QWidget* setting : std::initializer_list<QWidget*>{
              m_ui->dataSourcesPopupButton, m_ui->colorButton, m_ui->randomColorButton, m_ui->lineWidthField,
              m_ui->opacityField, m_ui->shapePopupButton, m_ui->nextShapeButton})
         setting->setVisible(open);
     for (const Value& value : m_values) {
         const bool uses = m_curve && m_curve->valueForKey(value.usesKey).toBool();
-        value.plain->setVisible(open && !uses);
-        value.expression->setVisible(open && uses);
+        QWidget* shown = uses ? value.expression : value.plain;
+        QWidget* other = uses ? value.plain : value.expression;
+        shown->setVisible(open);
+        if (other->hasFocus())
+            shown->setFocus();
+        other->hide();
         value.progress->setVisible(open && uses);
         value.useExpression->setVisible(open);
     }
     m_ui->foldButton->setIcon(Pictures::icon(open ? u"chev"_qs : u"chevr"_qs));
-    if (hadFocus && m_view->focusWidget() != nullptr && !m_view->focusWidget()->isVisibleTo(m_view))
-        m_ui->foldButton->setFocus();
 }
 
 QMenu* CCurveViewController::makeMenu() {

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int greatestRows = 8;
 constexpr int greatestLabel = 240;
-constexpr int greatestWidth = 480;
+constexpr int greatestWidth = 520;
 constexpr int margin = 8;
 constexpr int columnGap = 12;
 constexpr int windowMargin = 4;

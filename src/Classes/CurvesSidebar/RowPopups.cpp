@@ -30,10 +30,8 @@ void ColumnPopup::setChoices(const QStringList& names) {
     if (names == m_names)
         return;
     m_names = names;
-    const int chosen = currentIndex();
     clear();
     addItems(names);
-    setCurrentIndex(chosen < count() ? chosen : -1);
 }
 
 void ColumnPopup::initStyleOption(QStyleOptionComboBox* option) const {

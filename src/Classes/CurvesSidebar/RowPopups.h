@@ -11,7 +11,7 @@ class ColumnPopup : public QComboBox {
   public:
     explicit ColumnPopup(QWidget* parent = nullptr);
 
-    /// Replaces the choices, unless they are the same; the one that is chosen stays by its number.
+    /// Replaces the choices, unless they are the same. A binding shows its value again.
     void setChoices(const QStringList& names);
 
     static QRect boxOf(const QRect& frame) { return frame.adjusted(4, 3, -4, 0); }

@@ -10,8 +10,7 @@
 
 namespace {
 
-constexpr int rightSlack = 4;
-constexpr int besideText = 10; ///< in a field's box
+constexpr int besideText = 9; ///< in a field's box
 
 bool isUndoOrRedo(const QKeyEvent& key) {
     return key.matches(QKeySequence::Undo) || key.matches(QKeySequence::Redo);
@@ -100,8 +99,9 @@ void SpinField::changeEvent(QEvent* event) {
 void SpinField::fitUnit() {
     if (m_unit.isEmpty())
         m_unit = suffix();
-    // The toolkit keeps room at the right for a cursor that stands behind the text.
-    lineEdit()->setTextMargins(0, 0, -rightSlack, 0);
+    // The text may reach to the outline at the right: numbers are never cut.
+    const QRect text = lineEdit()->geometry();
+    lineEdit()->setGeometry(text.x(), text.y(), width() - 1 - text.x(), text.height());
     const QString widest = textFromValue(maximum()) + m_unit;
     const bool fits = fontMetrics().horizontalAdvance(widest) <= width() - besideText;
     const QString fitting = fits ? m_unit : m_unit.trimmed();
