@@ -7,6 +7,7 @@
 
 int main(int argc, char** argv) {
     const auto setUp = [] {
+        QApplication::setQuitOnLastWindowClosed(false);
         Appearance::instance().install(false);
         QFont font(QStringLiteral("Liberation Sans"));
         font.setPixelSize(13);

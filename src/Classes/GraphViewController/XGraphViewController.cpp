@@ -104,8 +104,7 @@ void XGraphViewController::detach() {
         for (QWidget* field : {m_ui->plotArea_titleLabel, m_ui->axisX_titleLabel, m_ui->axisY_titleLabel})
             unbind(field);
         m_graphLegend->setCurves({}); // which ends an editing session of the document's undo manager
-        for (std::size_t count = m_ui->curvesList->viewControllers().size(); count > 0; --count)
-            m_ui->curvesList->removeViewControllerAtIndex(static_cast<int>(count) - 1);
+        removeRows();
     }
     m_document = nullptr;
 }

@@ -99,6 +99,7 @@ class XGraphViewController : public XViewController,
     void takeCurves();
     void takeOptions();
     void setCurves();
+    void removeRows();
     void curvesChanged();
     void orderFocus();
     void dataSourcesChanged();

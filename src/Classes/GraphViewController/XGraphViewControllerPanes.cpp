@@ -108,6 +108,16 @@ std::vector<CCurveViewController*> XGraphViewController::rows() const {
     return rows;
 }
 
+void XGraphViewController::removeRows() {
+    const std::vector<CCurveViewController*> all = rows();
+    for (auto row = all.rbegin(); row != all.rend(); ++row) {
+        (*row)->setCurve(nullptr); // ends what the user is at, while there is a document to tell
+        m_ui->curvesList->removeViewControllerAtIndex(static_cast<int>(all.rend() - row) - 1);
+    }
+    m_rowFaults.clear();
+    curvesChanged();
+}
+
 void XGraphViewController::curveRemoved(const XCurveHandle& curve) {
     if (!xAssert(curve != nullptr, "nil in onDeleteCurve handler!"))
         return;
