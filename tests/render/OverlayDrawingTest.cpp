@@ -28,7 +28,6 @@ using testing::IsEmpty;
 
 // A plot rectangle of 300 x 200 points at 36,29.
 const PlotLayout layout{{336, 229}, 0, 0, 29, 36, 300, 200, 229, 336};
-const PlotStyles styles;
 
 std::shared_ptr<XAxis> axisOf(const char* kind, double min, double max, int length) {
     std::shared_ptr<XAxis> axis = XAxisManager::sharedManager().createAxisWithTypeId(QLatin1String(kind));
@@ -39,6 +38,7 @@ std::shared_ptr<XAxis> axisOf(const char* kind, double min, double max, int leng
 
 class OverlayDrawingTest : public testing::Test {
   protected:
+    const PlotStyles styles;
     // A unit a pixel.
     std::shared_ptr<XAxis> x = axisOf("numeric", 0, 300, 300), y = axisOf("numeric", 0, 200, 200);
 

@@ -180,7 +180,7 @@ TEST_F(PlotInteractionTest, noGestureEverBreaksAnAxis) {
         std::function<void(Interaction&, const PlotAxes&)> perform;
     };
     const auto zoom = [](double notches) {
-        return [=](Interaction& plot, const PlotAxes& axes) { plot.wheel(axes, at(70, 150), notches, {}); };
+        return [=](Interaction& with, const PlotAxes& axes) { with.wheel(axes, at(70, 150), notches, {}); };
     };
     const auto pan = [](double pixels) {
         return [=](Interaction&, const PlotAxes& axes) { Interaction::panBy(axes, {pixels, pixels}); };

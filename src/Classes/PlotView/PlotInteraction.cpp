@@ -217,7 +217,7 @@ PlotInteraction::Effects PlotInteraction::release(const PlotAxes& axes) {
 }
 
 PlotInteraction::Effects PlotInteraction::wheel(const PlotAxes& axes, QPointF point, double notches,
-                                                Qt::KeyboardModifiers modifiers) {
+                                                Qt::KeyboardModifiers modifiers) const {
     const double factor = std::clamp(notches * -0.1 + 1, 0.5, 1.5);
     const bool shift = modifiers.testFlag(Qt::ShiftModifier);
     const bool alt = modifiers.testFlag(Qt::AltModifier);

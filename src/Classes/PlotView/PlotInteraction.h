@@ -57,7 +57,7 @@ class PlotInteraction {
     Effects release(const PlotAxes& axes);
     /// Zooms about the point: a tenth for each notch (120 units of angle, fractions count), at most by half.
     /// Shift zooms y alone, Alt x alone; without them `wheelZooms` says which.
-    Effects wheel(const PlotAxes& axes, QPointF point, double notches, Qt::KeyboardModifiers modifiers);
+    Effects wheel(const PlotAxes& axes, QPointF point, double notches, Qt::KeyboardModifiers modifiers) const;
     /// Alt hides the grid while something is selected. No effect otherwise.
     Effects modifiersChanged(Qt::KeyboardModifiers modifiers);
     Effects focusLost(); ///< as if every modifier had been released

@@ -104,7 +104,8 @@ bool measuresAlike(const XAxis& axisX, const XAxis& axisY) {
 } // namespace
 
 QRectF rulerTextBounds(QSizeF textSize) {
-    return {-static_cast<double>(tick_label_spacing), -static_cast<double>(tick_label_spacing / 2),
+    constexpr int below = tick_label_spacing / 2;
+    return {-static_cast<double>(tick_label_spacing), -static_cast<double>(below),
             std::ceil(textSize.width()) + 2 * tick_label_spacing,
             std::ceil(textSize.height()) + tick_label_spacing};
 }
