@@ -102,9 +102,7 @@ void DocumentController::openWithPanel(MoxDocumentWindow& from) {
 
 void DocumentController::openFile(const QString& path, MoxDocumentWindow* from) {
     if (MoxDocumentWindow* open = windowOfFile(path)) {
-        open->show();
-        open->raise();
-        open->activateWindow();
+        open->bringToFront();
         return;
     }
     const QFileInfo file(path);

@@ -115,11 +115,8 @@ void fillRecent(QMenu& menu, Window& window) {
 void fillWindows(QMenu& menu, Window& window) {
     menu.addSeparator();
     for (MoxDocumentWindow* each : window.documents().windows()) {
-        QAction* action = menu.addAction(asMenuText(each->documentName()), each, [each] {
-            each->show();
-            each->raise();
-            each->activateWindow();
-        });
+        QAction* action =
+            menu.addAction(asMenuText(each->documentName()), each, [each] { each->bringToFront(); });
         action->setCheckable(true);
         action->setChecked(each == &window);
     }

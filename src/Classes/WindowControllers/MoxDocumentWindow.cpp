@@ -72,6 +72,7 @@ MoxDocumentWindow::MoxDocumentWindow(DocumentController& documents, std::unique_
 }
 
 MoxDocumentWindow::~MoxDocumentWindow() {
+    delete m_menus; // nobody asks what can be done from here on
     m_document->close();
     m_documents.windowCloses(*this);
     m_graphViewController.reset();

@@ -80,6 +80,7 @@ class MoxDocumentWindow : public QMainWindow,
     void commitPendingEdits();
     /// Asks whether changes are to be saved, and saves them; answers whether the window may close.
     void canCloseDocument(const Answer& shouldClose);
+    void bringToFront();
     /// Closes without asking; for those who asked.
     void closeNow();
 

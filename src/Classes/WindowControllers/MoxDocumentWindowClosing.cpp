@@ -146,8 +146,7 @@ void MoxDocumentWindow::askToSave(const Answer& mayGoOn) {
         return;
     }
     m_isAsking = true;
-    raise();
-    activateWindow();
+    bringToFront();
     const QDateTime since = m_document->editedSince().value_or(QDateTime::currentDateTime());
     Alerts::shared().ask(this,
                          {Alert::Kind::Question,
@@ -163,6 +162,12 @@ void MoxDocumentWindow::askToSave(const Answer& mayGoOn) {
                              else
                                  tell(mayGoOn, button == 1);
                          });
+}
+
+void MoxDocumentWindow::bringToFront() {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    activateWindow(); // which raises it, where windows can be raised
 }
 
 void MoxDocumentWindow::closeNow() {

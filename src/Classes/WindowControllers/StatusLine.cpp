@@ -28,6 +28,8 @@ StatusLine::StatusLine(QWidget* parent)
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     setAccessibleName(tr("Status line"));
     m_messageLabel->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    m_messageLabel->setFocusPolicy(Qt::StrongFocus);
+    m_messageLabel->installEventFilter(this);
     m_messageLabel->setAccessibleName(tr("Message"));
     m_messageLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_layout->setContentsMargins(sideMargin, 1, sideMargin, 0);
@@ -119,9 +121,18 @@ void StatusLine::changeEvent(QEvent* event) {
         text->setFont(VelquinStyle::smallFont(font()));
 }
 
+bool StatusLine::eventFilter(QObject* object, QEvent* event) {
+    if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)
+        update();
+    return QWidget::eventFilter(object, event);
+}
+
 void StatusLine::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const double line = StylePainting::hairline(painter);
     painter.fillRect(StylePainting::onDevicePixels(painter, QRectF(0, 0, width(), line)),
                      currentColors().line);
+    if (m_messageLabel->hasFocus())
+        StylePainting::drawRing(painter, m_messageLabel->geometry().adjusted(-6, 1, 6, -1), 3, 2,
+                                currentColors().accent);
 }
