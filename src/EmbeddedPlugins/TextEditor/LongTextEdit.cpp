@@ -13,10 +13,7 @@ qsizetype pieceLength(const QString& text, qsizetype begin) {
     if (text.size() - begin <= LongTextEdit::piece)
         return text.size() - begin;
     const qsizetype lineEnd = text.lastIndexOf(QLatin1Char('\n'), begin + LongTextEdit::piece);
-    if (lineEnd >= begin)
-        return lineEnd + 1 - begin;
-    const bool splitsPair = text.at(begin + LongTextEdit::piece).isLowSurrogate();
-    return splitsPair ? LongTextEdit::piece - 1 : LongTextEdit::piece;
+    return lineEnd >= begin ? lineEnd + 1 - begin : LongTextEdit::piece;
 }
 
 } // namespace

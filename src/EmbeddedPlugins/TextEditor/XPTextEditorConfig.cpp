@@ -104,6 +104,11 @@ void XPTextEditorConfig::observeValueForKeyPath(const KeyChange& change) {
     SourcePage::observeValueForKeyPath(change);
 }
 
+void XPTextEditorConfig::onBecameVisible() {
+    if (view() != nullptr && m_ui->textView->document()->isEmpty())
+        m_ui->textView->setFocus();
+}
+
 QString XPTextEditorConfig::emptyText() const {
     return tr("Type or paste lines of numbers, and their values are shown here");
 }

@@ -39,6 +39,9 @@ class XPTextEditorConfig : public SourcePage {
     void setTransferDelay(int milliseconds) { m_transfer.setInterval(milliseconds); }
     void commitPendingEdits() override;
 
+    /// A page without a text waits for it.
+    void onBecameVisible() override;
+
   protected:
     void observeValueForKeyPath(const KeyChange& change) override;
     QString emptyText() const override;

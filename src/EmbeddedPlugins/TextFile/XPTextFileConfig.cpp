@@ -124,6 +124,11 @@ void XPTextFileConfig::observeValueForKeyPath(const KeyChange& change) {
     SourcePage::observeValueForKeyPath(change);
 }
 
+void XPTextFileConfig::onBecameVisible() {
+    if (view() != nullptr && plugin() != nullptr && plugin()->filename().isEmpty())
+        m_ui->filenameCombobox->setFocus();
+}
+
 QString XPTextFileConfig::emptyText() const {
     if (!fault().isEmpty())
         return fault();

@@ -40,6 +40,9 @@ class XPTextFileConfig : public SourcePage {
     /// Shows the preview anew, without reading.
     void onReload();
 
+    /// A page without a file waits for its name.
+    void onBecameVisible() override;
+
   protected:
     void observeValueForKeyPath(const KeyChange& change) override;
     QString emptyText() const override;
