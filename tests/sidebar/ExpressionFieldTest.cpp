@@ -71,17 +71,17 @@ std::string suggested(const char* textWithCursor, bool asked) {
 
 TEST(ExpressionSuggestions, nameWhatMayBeMeant) {
     const std::vector<std::tuple<const char*, const char*>> cases{
-        {"mi|", "mi>\"minute x\",min(,minute("},
+        {"mi|", R"(mi>"minute x",min(,minute()"},
         {"1+mea|", "mea>mean("},
         {"mea|(c1)", "mea>mean"},
         {"m|", "m>"},
         {"c1|", "c1>"},
         {"row|", "row>"},
         {"2e|", "2e>"},
-        {"\"|", "\">\"time\",\"air\",c3,\"minute x\",c5"},
-        {"mean(\"AI|\", 3)", "\"AI\">\"air\",c3"},
-        {"\"air\"+ti|", "ti>\"time\",time("},
-        {"\"air\"|", ">"},
+        {R"("|)", R"(">"time","air",c3,"minute x",c5)"},
+        {R"(mean("AI|", 3))", R"("AI">"air",c3)"},
+        {R"("air"+ti|)", R"(ti>"time",time()"},
+        {R"("air"|)", ">"},
         {"zz|", "zz>"},
     };
     for (const auto& [text, expected] : cases)

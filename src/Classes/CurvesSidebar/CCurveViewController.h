@@ -56,7 +56,6 @@ class CCurveViewController : public XViewController {
     /// The row's menu: hide, fold, fold all, remove; it deletes itself when it closes.
     QMenu* makeMenu();
 
-  public Q_SLOTS:
     /// Renews the choices of sources and of columns.
     void dataSourceUpdated();
     void onChangeXRowType();

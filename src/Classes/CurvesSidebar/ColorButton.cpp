@@ -33,7 +33,7 @@ void ColorButton::chooseColor() {
     m_dialog = new QColorDialog(m_color, this);
     m_dialog->setOption(QColorDialog::DontUseNativeDialog);
     m_dialog->setAttribute(Qt::WA_DeleteOnClose);
-    m_dialog->setWindowTitle(toolTip());
+    m_dialog->setWindowTitle(accessibleName());
     connect(m_dialog, &QColorDialog::currentColorChanged, this, &ColorButton::colorTried);
     connect(m_dialog, &QDialog::finished, this,
             [this](int result) { Q_EMIT choiceEnded(result == QDialog::Accepted); });
