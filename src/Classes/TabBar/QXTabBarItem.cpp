@@ -183,7 +183,8 @@ void QXTabBarItem::drawTitle(QPainter& painter) {
     const QFontMetrics metrics(font);
     if (!m_fault.isEmpty()) {
         constexpr int gap = 4;
-        const int width = std::min(metrics.horizontalAdvance(title()), room.width() - faultSide - gap);
+        // Elision wants a pixel more than the advance, which is rounded.
+        const int width = std::min(metrics.horizontalAdvance(title()) + 1, room.width() - faultSide - gap);
         const int left = room.left() + (room.width() - faultSide - gap - width) / 2;
         StylePainting::drawIcon(painter, QRectF(left, 0, faultSide, height()), QStringLiteral("warn"),
                                 currentColors().warnText, faultSide);

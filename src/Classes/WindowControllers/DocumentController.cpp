@@ -129,7 +129,7 @@ QStringList DocumentController::recentDocuments() const {
     return UserDefaults::standard().stringList(recentDocumentsKey());
 }
 
-void DocumentController::noteRecentDocument(const QString& path) {
+void DocumentController::noteRecentDocument(const QString& path) const {
     const QString absolute = QFileInfo(path).absoluteFilePath();
     QStringList paths = recentDocuments();
     paths.removeAll(absolute);
@@ -138,7 +138,7 @@ void DocumentController::noteRecentDocument(const QString& path) {
                                  paths.first(std::min(paths.size(), mostRecentDocuments)));
 }
 
-void DocumentController::clearRecentDocuments() {
+void DocumentController::clearRecentDocuments() const {
     UserDefaults::standard().remove(recentDocumentsKey());
 }
 

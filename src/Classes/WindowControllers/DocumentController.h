@@ -46,8 +46,8 @@ class DocumentController : public QObject {
 
     /// The latest first.
     QStringList recentDocuments() const;
-    void noteRecentDocument(const QString& path);
-    void clearRecentDocuments();
+    void noteRecentDocument(const QString& path) const;
+    void clearRecentDocuments() const;
 
     /// Asks for every changed document, one after the other; "Cancel" ends it with every window open.
     void quit();

@@ -152,7 +152,7 @@ DataSourceTab* MoxDocumentWindow::tabOf(const XDataSource& dataSource) const {
 
 DataSourceTab* MoxDocumentWindow::addTabOf(const XDataSource& dataSource, int index) {
     auto* tab = new DataSourceTab(dataSource);
-    connect(tab, &DataSourceTab::newsCame, this, &MoxDocumentWindow::showMessage);
+    connect(tab, &DataSourceTab::newsCame, this, &MoxDocumentWindow::newsCame);
     dataSourcesTabBar().insertTabAtIndex(tab, index);
     return tab;
 }
@@ -179,7 +179,6 @@ void MoxDocumentWindow::removeTabsWithoutSource() {
 
 void MoxDocumentWindow::addDropHereTab() {
     auto page = std::make_shared<XDropHereViewController>(static_cast<XDropHereDelegate*>(this));
-    page->setRecentFiles(UserDefaults::standard().stringList(u"TextFilePluginRecentFiles"_qs));
     connect(page.get(), &XDropHereViewController::chooseFileRequested, this,
             &MoxDocumentWindow::chooseDataFile);
     connect(page.get(), &XDropHereViewController::typeOrPasteRequested, this,
@@ -257,6 +256,10 @@ XViewController* MoxDocumentWindow::selectedPage() const {
 }
 
 void MoxDocumentWindow::selectionChanged() {
+    if (isDropTabSelected()) {
+        auto& page = static_cast<XDropHereViewController&>(*m_dropHereTab->viewController());
+        page.setRecentFiles(UserDefaults::standard().stringList(u"TextFilePluginRecentFiles"_qs));
+    }
     m_selectedPage.end();
     if (XViewController* page = selectedPage())
         m_selectedPage =
@@ -379,6 +382,16 @@ void MoxDocumentWindow::showMessage(const QString& message) {
     m_news = message;
     if (m_dragMessage.isEmpty())
         statusLine().setMessage(message);
+}
+
+/// What was read well does not hide what was not.
+void MoxDocumentWindow::newsCame(const QString& news) {
+    for (const QXTabBarItem* tab : dataSourcesTabBar().tabs()) {
+        const XViewController* page = tab->viewController().get();
+        if (page != nullptr && !page->fault().isEmpty())
+            return showMessage(page->fault());
+    }
+    showMessage(news);
 }
 
 void MoxDocumentWindow::statusChanged(const KeyChange& change) {

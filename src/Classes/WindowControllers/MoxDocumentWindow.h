@@ -121,6 +121,7 @@ class MoxDocumentWindow : public QMainWindow,
     void takeDropped(const DroppedData& dropped);
     void chooseDataFile();
     void selectionChanged();
+    void newsCame(const QString& news);
     void updateTitle();
     void updateStatus();
     void statusChanged(const KeyChange& change);

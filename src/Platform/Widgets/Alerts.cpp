@@ -4,14 +4,18 @@
 #include <QAbstractButton>
 #include <QEventLoop>
 #include <QLabel>
+#include <QLayout>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
 namespace {
+
+constexpr int widestReason = 360;
 
 Alerts* theAlerts = nullptr;
 
@@ -38,6 +42,20 @@ int escapeIndex(const Alert& alert) {
     return 0;
 }
 
+/// A bold message, and a reason in lines of a readable length. The toolkit names the labels so.
+void layOut(QMessageBox& box) {
+    if (auto* message = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
+        QFont bold = message->font();
+        bold.setBold(true);
+        message->setFont(bold);
+    }
+    if (auto* reason = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"))) {
+        const int width = reason->fontMetrics().horizontalAdvance(reason->text());
+        reason->setMinimumWidth(std::min(width + 2, widestReason));
+    }
+    box.layout()->setContentsMargins(20, 20, 16, 16);
+}
+
 class MessageBoxAlerts : public Alerts {
   public:
     void ask(QWidget* window, const Alert& alert, Answered answered) override {
@@ -48,12 +66,7 @@ class MessageBoxAlerts : public Alerts {
         box->setTextFormat(Qt::PlainText); // names may hold anything
         box->setText(alert.message);
         box->setInformativeText(alert.reason);
-        // The message box names its label so.
-        if (auto* message = box->findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
-            QFont bold = message->font();
-            bold.setBold(true);
-            message->setFont(bold);
-        }
+        layOut(*box);
         QList<QAbstractButton*> buttons;
         for (const Alert::Button& button : alert.buttons)
             buttons.append(box->addButton(button.text, boxRole(button.role)));
