@@ -8,6 +8,8 @@
 #include "Platform/Widgets/Binding.h"
 #include "ui_XGraphViewController.h"
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 #include <limits>
 
@@ -54,7 +56,11 @@ XGraphViewController::~XGraphViewController() {
     delete m_view.data();
 }
 
-XPlotView& XGraphViewController::plotView() const {
+XPlotView& XGraphViewController::plotView() {
+    return *m_ui->plotView;
+}
+
+const XPlotView& XGraphViewController::plotView() const {
     return *m_ui->plotView;
 }
 
@@ -99,6 +105,7 @@ void XGraphViewController::attach() {
 
 void XGraphViewController::detach() {
     m_observation.end();
+    m_curveObservations.clear();
     m_registrations.clear();
     if (m_view != nullptr) {
         for (QWidget* field : {m_ui->plotArea_titleLabel, m_ui->axisX_titleLabel, m_ui->axisY_titleLabel})
@@ -123,6 +130,10 @@ void XGraphViewController::observeValueForKeyPath(const KeyChange& change) {
         updateLayout();
     else
         takeOptions();
+    static constexpr std::array ofRanges{"axisMinX", "axisMaxX",   "axisMinY",
+                                         "axisMaxY", "axisX_type", "axisY_type"};
+    if (std::ranges::any_of(ofRanges, isKey))
+        followData();
     plotView().update();
 }
 
@@ -137,7 +148,18 @@ void XGraphViewController::takeCurves() {
     plotView().scene().setCurves(m_document->curves());
     m_graphLegend->setCurves(m_document->curves());
     orderFocus();
+    static constexpr const char* dataKeys[] = {"dataSource",   "isVisible",         "x_data_index",
+                                               "y_data_index", "x_uses_expression", "y_uses_expression"};
+    m_curveObservations.clear();
+    for (const XCurveHandle& curve : m_document->curves())
+        m_curveObservations.emplace_back(*curve, dataKeys, [this](const KeyChange&) { followData(); });
+    followData();
     plotView().update();
+}
+
+void XGraphViewController::followData() {
+    if (m_view != nullptr && isFittedToData())
+        plotView().fitToData();
 }
 
 void XGraphViewController::takeOptions() {

@@ -44,7 +44,8 @@ class XGraphViewController : public XViewController,
     QWidget* view() override { return m_view; }
     void onBecameVisible() override;
 
-    XPlotView& plotView() const;
+    XPlotView& plotView();
+    const XPlotView& plotView() const;
     XGraphLegend& graphLegend() const { return *m_graphLegend; }
     /// The legend has no say of its own whether it is shown: the window follows the document.
     void setLegendVisible(bool visible);
@@ -98,6 +99,7 @@ class XGraphViewController : public XViewController,
     void takeAxis(const XAxisInfo* kind, void (PlotScene::*setAxis)(XAxisHandle));
     void takeCurves();
     void takeOptions();
+    void followData(); ///< while the plot is fitted, whatever else it shows now is fitted too
     void setCurves();
     void removeRows();
     void curvesChanged();
@@ -132,6 +134,7 @@ class XGraphViewController : public XViewController,
     QButtonGroup* m_mouseModes = nullptr;
     MoxDocument* m_document = nullptr;
     Observation m_observation;
+    std::vector<Observation> m_curveObservations; ///< of what is drawn, not how
     std::vector<NotificationCenter::Registration> m_registrations;
     std::map<const XViewController*, QString> m_rowFaults; ///< why a row's expression has no result
     bool m_plotArea_inFocus = false;
