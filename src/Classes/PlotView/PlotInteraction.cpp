@@ -16,21 +16,23 @@ namespace {
 // --- Edits of one axis
 // -----------------------------------------------------------------------------------------
 
-// Whether neighbouring pixels have values that differ by more than rounding does.
+// Whether neighbouring pixels have values that differ by more than rounding does, and find their way back.
 bool resolvesPixel(const XAxis& axis, int pixel) {
     constexpr double leastSteps = 16;
     const double from = axis.pixelToValue(pixel);
     const double to = axis.pixelToValue(pixel + 1);
     const double magnitude = std::max(std::abs(from), std::abs(to));
     // What is not a number fails, too.
-    return std::abs(to - from) > leastSteps * (std::numeric_limits<double>::epsilon() * magnitude +
+    return std::abs(axis.valueToPixel(from) - pixel) < 0.1 &&
+           std::abs(to - from) > leastSteps * (std::numeric_limits<double>::epsilon() * magnitude +
                                                std::numeric_limits<double>::min());
 }
 
 bool isUsable(const XAxis& axis) {
-    return axis.pixelLength() > 0 && std::isfinite(axis.minValue()) && std::isfinite(axis.maxValue()) &&
+    const int length = axis.pixelLength();
+    return length > 0 && std::isfinite(axis.minValue()) && std::isfinite(axis.maxValue()) &&
            std::isfinite(axis.maxValue() - axis.minValue()) && resolvesPixel(axis, 0) &&
-           resolvesPixel(axis, axis.pixelLength() - 1);
+           resolvesPixel(axis, length / 3) && resolvesPixel(axis, length - 1);
 }
 
 bool ascends(const XAxis& axis) {
@@ -154,7 +156,7 @@ PlotInteraction::Effects PlotInteraction::setStickyRuler(bool sticky) {
 PlotInteraction::Effects PlotInteraction::enter(QPointF point) {
     m_overlay.mouseInside = true;
     m_overlay.mouseLocation = point;
-    return NoEffect;
+    return RedrawMouseTicks;
 }
 
 PlotInteraction::Effects PlotInteraction::leave() {
