@@ -98,6 +98,24 @@ TEST(UndoManager, whatIsOneStep) {
              s.undo.endUndoGrouping();
          },
          u"a"_qs},
+        {"a cancelled group leaves no step",
+         [](Sheet& s) {
+             s.step(u"a"_qs);
+             s.undo.beginUndoGrouping();
+             s.step(u"b"_qs);
+             s.set(u"a"_qs);
+             s.undo.cancelUndoGrouping();
+         },
+         u"0"_qs},
+        {"a group cancelled within another belongs to it",
+         [](Sheet& s) {
+             s.undo.beginUndoGrouping();
+             s.step(u"a"_qs);
+             s.undo.beginUndoGrouping();
+             s.undo.cancelUndoGrouping();
+             s.undo.endUndoGrouping();
+         },
+         u"0"_qs},
         {"a group without changes is none",
          [](Sheet& s) {
              s.step(u"a"_qs);

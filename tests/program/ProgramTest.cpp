@@ -195,6 +195,30 @@ TEST(Program, vectorPicturesHoldOneStrokeEachAndText) {
     EXPECT_EQ(QImage(folder.path(u"p.jpg"_qs)).size(), QSize(920, 550));
 }
 
+TEST(Program, picturesHaveALegendWhenAskedForIt) {
+    const ScratchFolder folder;
+    folder.write(u"a.csv"_qs, "0\n1\n4\n9\n");
+    const auto draw = [&](const char* options, const char* file) {
+        const Outcome outcome = velquin(words("a.csv --y 1 --curve-title Tide --snapshot") +
+                                            QStringList{QLatin1String(file)} + words(options),
+                                        folder);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.err.toStdString();
+        return ScratchFolder::read(folder.path(QLatin1String(file)));
+    };
+    // Its right edge is 10 from the plot's, which ends 12 from the picture's.
+    constexpr QPoint onEdge(920 - 12 - 10 - 1, 8 + 10 + 20);
+    for (const char* file : {"p.png", "p.jpg"}) {
+        EXPECT_LT(qGray(QImage::fromData(draw("--legend", file)).pixel(onEdge)), 40) << file;
+        EXPECT_GT(qGray(QImage::fromData(draw("", file)).pixel(onEdge)), 200) << file;
+    }
+    EXPECT_TRUE(draw("--legend", "p.svg").contains("Tide"));
+    EXPECT_FALSE(draw("", "p.svg").contains("Tide"));
+    EXPECT_GT(draw("--legend", "p.pdf").size(), draw("", "p.pdf").size() + 50);
+    draw("--legend --save d.mox", "p.png");
+    const QByteArray saved = ScratchFolder::read(folder.path(u"d.mox"_qs));
+    EXPECT_TRUE(saved.mid(saved.indexOf("showLegend"), 40).contains("<true/>")) << "and in a window later";
+}
+
 TEST(Program, leavesTheUserDefaultsAlone) {
     const ScratchFolder folder;
     folder.write(u"a.csv"_qs, "1\n");
@@ -235,7 +259,7 @@ TEST(Program, helpAndVersion) {
     const ScratchFolder folder;
     const Outcome help = velquin({u"--help"_qs}, folder);
     EXPECT_EQ(help.exitCode, 0);
-    for (const char* option : {"--snapshot", "--every", "--curve-title", "--y-range"})
+    for (const char* option : {"--snapshot", "--every", "--curve-title", "--y-range", "--legend"})
         EXPECT_TRUE(help.out.contains(option)) << option;
     EXPECT_TRUE(velquin({u"--version"_qs}, folder).out.startsWith("velquin "));
 }

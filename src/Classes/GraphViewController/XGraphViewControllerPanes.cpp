@@ -285,6 +285,7 @@ void XGraphViewController::updateLayout() {
     editor.moveTop(std::max(0, (container.height() - underPlot - editor.height()) / 2));
     m_ui->axisY_titleLabel->setGeometry(editor);
     m_ui->axisY_titleLabel->setVisible(m_axisYTitle_inFocus);
+    m_ui->axisY_verticalLabel->setVisible(!axisY.isEmpty() && !m_axisYTitle_inFocus);
     setLegendLocation();
 }
 
