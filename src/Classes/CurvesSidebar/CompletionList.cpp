@@ -70,8 +70,9 @@ void CompletionList::showAt(const QRect& box, const std::vector<Suggestion>& sug
     for (const Suggestion& suggestion : suggestions) {
         auto* item = new QListWidgetItem(suggestion.label, this);
         item->setData(helpRole, suggestion.help);
-        labels = std::max(labels, QFontMetrics(m_labelFont).horizontalAdvance(suggestion.label));
-        helps = std::max(helps, fontMetrics().horizontalAdvance(suggestion.help));
+        // Widths are rounded, but what is elided is not.
+        labels = std::max(labels, QFontMetrics(m_labelFont).horizontalAdvance(suggestion.label) + 1);
+        helps = std::max(helps, fontMetrics().horizontalAdvance(suggestion.help) + 1);
     }
     labels = std::min(labels, greatestLabel);
     static_cast<SuggestionDelegate*>(itemDelegate())->setLabelsWidth(labels);

@@ -3,16 +3,17 @@
 
 #include "Classes/CurvesSidebar/CompletionList.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QFontDatabase>
+#include <QFontInfo>
 #include <QKeyEvent>
 #include <QStyleOptionFrame>
 
-#include <utility>
+#include <algorithm>
 
 namespace {
 
-constexpr int fontPixels = 12;
+constexpr int leastFontPixels = 12;
 constexpr int pageOfSuggestions = 7;
 
 bool isPlain(const QKeyEvent& key) {
@@ -23,7 +24,7 @@ bool isPlain(const QKeyEvent& key) {
 
 ExpressionField::ExpressionField(QWidget* parent) : RowTextField(parent) {
     QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    font.setPixelSize(fontPixels);
+    font.setPixelSize(std::max(leastFontPixels, QFontInfo(QApplication::font()).pixelSize() - 1));
     setFont(font);
     connect(this, &QLineEdit::textEdited, this, [this] {
         if (!m_isAccepting)
@@ -73,11 +74,11 @@ void ExpressionField::suggest(bool asked) {
         connect(m_completionList, &QListWidget::itemClicked, this, &ExpressionField::acceptSuggestion);
     }
     m_completionList->showAt(boxOf(rect()).translated(mapTo(window(), QPoint())), m_suggestions.list);
-    QCoreApplication::instance()->installEventFilter(this);
+    qApp->installEventFilter(this);
 }
 
 void ExpressionField::stopSuggesting() {
-    QCoreApplication::instance()->removeEventFilter(this);
+    qApp->removeEventFilter(this);
     if (m_completionList != nullptr)
         m_completionList->hide();
 }

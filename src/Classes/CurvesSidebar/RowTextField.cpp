@@ -26,7 +26,14 @@ RowTextField::RowTextField(QWidget* parent) : QLineEdit(parent) {
         if (!hasFocus())
             home(false);
     });
-    connect(this, &QLineEdit::editingFinished, this, [this] { m_settledText = text(); });
+    connect(this, &QLineEdit::editingFinished, this, [this] {
+        m_settledText = text();
+        if (!isUndoAvailable())
+            return;
+        const int cursor = cursorPosition();
+        setText(QString(m_settledText)); // what was committed is the document's to undo
+        setCursorPosition(cursor);
+    });
 }
 
 QRect RowTextField::textRoom() const {
@@ -61,22 +68,11 @@ bool RowTextField::event(QEvent* event) {
         QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text(), this);
         return true;
     }
-    if (event->type() == QEvent::ShortcutOverride && !isPending()) {
-        const auto* key = static_cast<QKeyEvent*>(event);
-        if (key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo)) {
-            event->ignore();
-            return true;
-        }
-    }
     return QLineEdit::event(event);
 }
 
 void RowTextField::keyPressEvent(QKeyEvent* event) {
-    if (!isPending() && (event->matches(QKeySequence::Undo) || event->matches(QKeySequence::Redo))) {
-        event->ignore();
-        return;
-    }
-    if (event->key() == Qt::Key_Escape && isPending()) {
+    if (event->key() == Qt::Key_Escape && text() != m_settledText) {
         setText(QString(m_settledText));
         selectAll();
         return;

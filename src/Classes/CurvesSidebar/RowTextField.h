@@ -3,9 +3,8 @@
 
 #include <QLineEdit>
 
-/// Shows the beginning of its text while it is left alone, all of it as a tooltip when there is no room, and
-/// takes back with Escape what was typed since the last commit. With nothing typed, the keys of undo and redo
-/// are the window's.
+/// Elides a text that has no room while it is left alone, and shows all of it as a tooltip. Escape takes back
+/// what was typed since the last commit; a commit ends the field's own history of undo.
 class RowTextField : public QLineEdit {
     Q_OBJECT
 
@@ -20,7 +19,6 @@ class RowTextField : public QLineEdit {
     void contextMenuEvent(QContextMenuEvent* event) override;
 
   private:
-    bool isPending() const { return text() != m_settledText; }
     QRect textRoom() const;
     bool showsAll() const;
 

@@ -12,10 +12,6 @@ namespace {
 
 constexpr int besideText = 9; ///< in a field's box
 
-bool isUndoOrRedo(const QKeyEvent& key) {
-    return key.matches(QKeySequence::Undo) || key.matches(QKeySequence::Redo);
-}
-
 } // namespace
 
 SpinField::SpinField(QWidget* parent) : QSpinBox(parent) {
@@ -28,7 +24,10 @@ SpinField::SpinField(QWidget* parent) : QSpinBox(parent) {
         endBurst();
         m_isTyped = true;
     });
-    connect(this, &QAbstractSpinBox::editingFinished, this, [this] { m_isTyped = false; });
+    connect(this, &QAbstractSpinBox::editingFinished, this, [this] {
+        m_isTyped = false;
+        lineEdit()->setText(lineEdit()->text()); // the same, but what was committed is the document's to undo
+    });
 }
 
 void SpinField::stepBy(int steps) {
@@ -48,20 +47,11 @@ void SpinField::endBurst() {
         Q_EMIT burstEnded();
 }
 
-bool SpinField::event(QEvent* event) {
-    if (event->type() == QEvent::ShortcutOverride && !m_isTyped &&
-        isUndoOrRedo(*static_cast<QKeyEvent*>(event))) {
-        endBurst();
-        event->ignore();
-        return true;
-    }
-    return QSpinBox::event(event);
-}
-
 void SpinField::keyPressEvent(QKeyEvent* event) {
-    if (!m_isTyped && isUndoOrRedo(*event)) {
-        event->ignore();
-    } else if (m_isTyped && event->key() == Qt::Key_Escape) {
+    // The key of a command comes next, undo for one, and the burst must be a step by then.
+    if (event->key() == Qt::Key_Control || event->key() == Qt::Key_Meta)
+        endBurst();
+    if (m_isTyped && event->key() == Qt::Key_Escape) {
         m_isTyped = false;
         const QSignalBlocker silent(this);
         const int shown = value(); // typing has changed the text alone

@@ -5,8 +5,8 @@
 #include <QTimer>
 
 /// Has no arrows: the arrow and page keys step it, and the wheel while it has the focus. Steps that follow
-/// each other within `pauseMilliseconds` are one burst; a typed number stands for itself. With nothing typed,
-/// the keys of undo and redo are the window's.
+/// each other within `pauseMilliseconds` are one burst; a typed number stands for itself, and its commit ends
+/// the field's own history of undo. The blank before the unit goes where there is no room for it.
 class SpinField : public QSpinBox {
     Q_OBJECT
 
@@ -20,12 +20,11 @@ class SpinField : public QSpinBox {
 
   Q_SIGNALS:
     /// Before the first step of a burst, and after its last one: when the steps pause, when the focus goes,
-    /// when something is typed or undone.
+    /// when something is typed or Control is pressed.
     void burstBegan();
     void burstEnded();
 
   protected:
-    bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
