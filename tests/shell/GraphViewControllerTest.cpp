@@ -130,6 +130,8 @@ TEST_F(GraphViewControllerTest, toolsFollowThePlotAndThePlotFollowsThem) {
 }
 
 TEST_F(GraphViewControllerTest, blackBackgroundHasAWayBackAndNoSeam) {
+    document.setAxisTitleX(u"x"_qs); // titles leave a corner of the container free
+    document.setAxisTitleY(u"y"_qs);
     for (const bool black : {true, false}) {
         controller.setBlackBackground(black);
         const QColor paper = black ? Qt::black : Qt::white;
@@ -217,6 +219,7 @@ TEST_F(GraphViewControllerTest, windowSizesAreTheRightPanesAlone) {
 
 TEST_F(GraphViewControllerTest, narrowToolsLoseTheirWords) {
     page().resize(216 + 1 + 440, 484);
+    EXPECT_EQ(part<QToolButton>("panButton").toolButtonStyle(), Qt::ToolButtonTextBesideIcon);
     EXPECT_EQ(part("panButton").width(), 68);
     page().resize(216 + 1 + 439, 484);
     QCoreApplication::processEvents();
