@@ -13,8 +13,11 @@
 #include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMimeData>
+#include <QSignalSpy>
 #include <QSplitter>
 #include <QTest>
+#include <QUrl>
 
 #include <gtest/gtest.h>
 
@@ -118,10 +121,12 @@ TEST_F(TextEditorPage, aLongTextComesInPiecesAsOneStep) {
     text().moveCursor(QTextCursor::Start);
     text().moveCursor(QTextCursor::Right);
     QGuiApplication::clipboard()->setText(lines);
+    QSignalSpy pieces(&text(), &LongTextEdit::textTaken);
     text().paste();
     EXPECT_TRUE(text().isTakingText());
     EXPECT_TRUE(text().isReadOnly());
     settle();
+    EXPECT_GT(pieces.size(), LongTextEdit::longText / LongTextEdit::piece) << "no timer takes it at once";
     EXPECT_FALSE(text().isReadOnly());
     const QString whole = QLatin1Char('a') + lines + QLatin1Char('b');
     EXPECT_TRUE(text().toPlainText() == whole);
@@ -136,12 +141,21 @@ TEST_F(TextEditorPage, aLongTextComesInPiecesAsOneStep) {
     source.setTextData(oneLine + QLatin1Char('\n'));
     EXPECT_TRUE(text().isTakingText());
     source.setTextData(QStringLiteral("another")); // while it comes in
+    settle();
+    EXPECT_FALSE(text().isReadOnly());
     EXPECT_EQ(text().toPlainText(), QStringLiteral("another"));
     source.setTextData(lines);
     page.commitPendingEdits();
     settle();
     EXPECT_TRUE(text().toPlainText() == lines);
     EXPECT_EQ(contentChanges, 3) << "showing is no edit";
+
+    auto* files = new QMimeData;
+    files->setUrls({QUrl::fromLocalFile(QStringLiteral("/tmp/a.csv"))});
+    QGuiApplication::clipboard()->setMimeData(files);
+    text().paste();
+    EXPECT_TRUE(text().toPlainText() == lines) << "a file is no text";
+    QGuiApplication::clipboard()->setText(lines);
 
     text().clear();
     text().paste();

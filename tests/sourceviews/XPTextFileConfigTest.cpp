@@ -7,6 +7,7 @@
 #include "EmbeddedPlugins/TextFile/XPTextFile.h"
 #include "Platform/Core/NotificationCenter.h"
 #include "Platform/Widgets/VelquinStyle.h"
+#include "support/TableSource.h"
 #include "support/TestSupport.h"
 #include "widgetkit/WidgetFixtures.h"
 
@@ -87,6 +88,8 @@ TEST_F(TextFilePage, saysWhatIsThereAndWhatWasRead) {
     EXPECT_EQ(page->progress(), 100);
     EXPECT_TRUE(control<QCheckBox>("headerBox").isEnabled());
 
+    source.setData(support::makeTable({{1}}));
+    EXPECT_EQ(page->status(), QStringLiteral("sea.csv: 1 row")) << "nothing of the table before";
     openFile("");
     EXPECT_EQ(page->status(), QStringLiteral("sea.csv: no rows"));
 }
@@ -175,6 +178,10 @@ TEST_F(TextFilePage, aFileThatIsGoneIsSaidAndLocated) {
     EXPECT_TRUE(source.filename().endsWith(QStringLiteral("gone.csv")));
     settle();
     EXPECT_EQ(box.currentText(), source.filename());
+    enter(*box.lineEdit(), "SEA.csv");
+    EXPECT_EQ(source.filename(), QStringLiteral("SEA.csv"));
+    enter(*box.lineEdit(), "sea.csv");
+    EXPECT_EQ(source.filename(), QStringLiteral("sea.csv")) << "case counts in paths";
 }
 
 TEST_F(TextFilePage, aNoticeIsOneClickAndCanBeDismissed) {

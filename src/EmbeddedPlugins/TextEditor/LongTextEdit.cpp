@@ -30,7 +30,13 @@ void LongTextEdit::showText(const QString& text) {
     beginTaking(text, textCursor());
 }
 
+bool LongTextEdit::canInsertFromMimeData(const QMimeData* source) const {
+    return !source->hasUrls() && QPlainTextEdit::canInsertFromMimeData(source);
+}
+
 void LongTextEdit::insertFromMimeData(const QMimeData* source) {
+    if (!canInsertFromMimeData(source)) // pasting does not ask
+        return;
     const QString text = source->text();
     if (text.size() <= longText || isReadOnly()) {
         QPlainTextEdit::insertFromMimeData(source);

@@ -28,6 +28,8 @@ class LongTextEdit : public QPlainTextEdit {
     void textTaken(double part);
 
   protected:
+    /// Files are not text: they are for whoever takes drops around this field.
+    bool canInsertFromMimeData(const QMimeData* source) const override;
     void insertFromMimeData(const QMimeData* source) override;
     void timerEvent(QTimerEvent* event) override;
 

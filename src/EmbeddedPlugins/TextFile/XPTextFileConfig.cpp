@@ -70,6 +70,7 @@ void XPTextFileConfig::awakeFromNib() {
     for (QLabel* label : {m_ui->fileLabel, m_ui->delimiterLabel, m_ui->linesLabel})
         label->setForegroundRole(labelRole);
     m_ui->filenameCombobox->lineEdit()->setPlaceholderText(tr("Choose a data file"));
+    m_ui->filenameCombobox->setCompleter(nullptr); // it would take "A.csv" of the list for a typed "a.csv"
     m_ui->reloadButton->setIcon(Pictures::icon(QStringLiteral("reload")));
     connect(m_ui->filenameCombobox, &QComboBox::activated, this,
             [this](int row) { chooseFilename(m_ui->filenameCombobox->itemText(row)); });
