@@ -1,5 +1,6 @@
 #include "Classes/PlotView/QuickHelpCard.h"
 
+#include "Classes/PlotView/PlotStyles.h"
 #include "Platform/Widgets/Pictures.h"
 #include "Platform/Widgets/StylePainting.h"
 
@@ -46,8 +47,10 @@ QuickHelpCard::QuickHelpCard(QWidget* parent) : QWidget(parent) {
     hide();
 }
 
-void QuickHelpCard::setDark(bool dark) {
-    m_dark = dark;
+void QuickHelpCard::setStyles(const PlotStyles& styles) {
+    m_paper = styles.color(u"BackgroundColor"_s);
+    m_edge = styles.color(u"SecondaryGridColor"_s);
+    m_theme = styles.isDark() ? Theme::Dark : Theme::Light;
     update();
 }
 
@@ -73,11 +76,9 @@ void QuickHelpCard::placeOn(const QRect& plot, bool wanted) {
 }
 
 void QuickHelpCard::paintEvent(QPaintEvent*) {
-    const Theme theme = m_dark ? Theme::Dark : Theme::Light;
     QPainter painter(this);
-    StylePainting::drawBox(painter, rect(), 8, m_dark ? Qt::black : Qt::white,
-                           m_dark ? QColor(0x55, 0x55, 0x55) : QColor(0xE6, 0xE6, 0xE6));
-    painter.setPen(themeColors(theme).text2);
+    StylePainting::drawBox(painter, rect(), 8, m_paper, m_edge);
+    painter.setPen(themeColors(m_theme).text2);
     const int line = lineHeight(painter.fontMetrics());
     const double columnWidth = (width() - 2.0 * side) / count;
     for (int i = 0; i < count; ++i) {
@@ -85,7 +86,7 @@ void QuickHelpCard::paintEvent(QPaintEvent*) {
         const int right = side + qRound((i + 1) * columnWidth);
         const int middle = (left + right) / 2;
         painter.drawPixmap(middle - pictureSize.width() / 2, top,
-                           Pictures::pixmap(QLatin1String(hints[i].picture), devicePixelRatioF(), theme));
+                           Pictures::pixmap(QLatin1String(hints[i].picture), devicePixelRatioF(), m_theme));
         int y = top + pictureSize.height() + pictureGap;
         for (const QString& text : QString::fromLatin1(hints[i].caption).split(u'\n')) {
             painter.drawText(QRect(left, y, right - left, line), Qt::AlignCenter, text);

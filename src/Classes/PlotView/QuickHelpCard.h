@@ -1,7 +1,12 @@
 // The three pictures over a plot without curves that say how to begin.
 #pragma once
 
+#include "Platform/Widgets/ThemeColors.h"
+
+#include <QColor>
 #include <QWidget>
+
+class PlotStyles;
 
 /// Lets the mouse through to the plot.
 class QuickHelpCard : public QWidget {
@@ -10,7 +15,7 @@ class QuickHelpCard : public QWidget {
   public:
     explicit QuickHelpCard(QWidget* parent);
 
-    void setDark(bool dark); ///< on a dark plot
+    void setStyles(const PlotStyles& styles); ///< of the plot under it
     /// Centres the card on the plot rectangle and shows it, if wanted. It gets narrower with the plot, and
     /// hides where its words would have no room.
     void placeOn(const QRect& plot, bool wanted);
@@ -21,5 +26,7 @@ class QuickHelpCard : public QWidget {
   private:
     QSize leastSize() const;
 
-    bool m_dark = false;
+    QColor m_paper;
+    QColor m_edge;
+    Theme m_theme = Theme::Light;
 };

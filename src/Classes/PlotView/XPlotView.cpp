@@ -144,7 +144,7 @@ void XPlotView::updateReadouts() {
 
 void XPlotView::placeQuickHelp() {
     const bool wanted = m_scene.curves().isEmpty();
-    m_quickHelp->setDark(m_scene.styles().isDark());
+    m_quickHelp->setStyles(m_scene.styles());
     m_quickHelp->placeOn(wanted ? widgetRect(m_scene.calculateMargins().plotRect()) : QRect(), wanted);
 }
 
