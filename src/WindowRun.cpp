@@ -33,13 +33,15 @@ class PendingRequest : public QObject {
         if (m_isDone || document.isReading())
             return;
         m_isDone = true;
+        // The command line can be given again; what the user did meanwhile cannot.
+        const bool needsNoSaving = document.filePath().isEmpty() && !document.isDocumentEdited();
         if (const auto failure = firstReadFailure(document))
             m_window.showMessage(failure->file + u": "_qs + failure->reason);
         else if (const auto refused = applyRequest(document, m_file, m_line))
             m_window.showMessage(refused->file + u": "_qs + refused->reason);
         else
             m_window.fitToData();
-        if (document.filePath().isEmpty()) // the command line can be given again
+        if (needsNoSaving)
             document.setUnedited();
     }
 
@@ -62,8 +64,11 @@ std::optional<RequestFailure> openWindow(DocumentController& documents, const QS
     auto opened = openRequested(file, line);
     if (const auto* failure = std::get_if<RequestFailure>(&opened))
         return *failure;
-    MoxDocumentWindow& window = documents.showDocument(
-        std::move(std::get<std::unique_ptr<MoxDocument>>(opened)), QFileInfo(file).completeBaseName());
+    auto& document = std::get<std::unique_ptr<MoxDocument>>(opened);
+    if (document->filePath().isEmpty())
+        document->setUnedited();
+    MoxDocumentWindow& window =
+        documents.showDocument(std::move(document), QFileInfo(file).completeBaseName());
     new PendingRequest(window, file, line); // the window owns it
     return std::nullopt;
 }

@@ -20,20 +20,35 @@
 
 #include <cstdio>
 #include <cstring>
+#include <vector>
 
 namespace {
 
 constexpr int exitFailed = 1;
 constexpr int exitWrongUsage = 2;
-/// What the toolkit is given of the command line: it has options of its own that are called like ours.
-constexpr int onlyTheName = 1;
 
-QStringList argumentsOf(int argc, char** argv) {
-    QStringList arguments;
-    for (int i = 1; i < argc; ++i)
-        arguments += QFile::decodeName(argv[i]);
-    return arguments;
-}
+/// The toolkit gets the choice of a style, and none of its other options: some are called like ours.
+struct Arguments {
+    Arguments(int argc, char** argv) : toolkits{argv[0]} {
+        for (int i = 1; i < argc; ++i) {
+            const char* name = std::strncmp(argv[i], "--", 2) == 0 ? argv[i] + 1 : argv[i];
+            const bool takesNext = std::strcmp(name, "-style") == 0 && i + 1 < argc;
+            if (!takesNext && std::strncmp(name, "-style=", 7) != 0) {
+                ours += QFile::decodeName(argv[i]);
+                continue;
+            }
+            toolkits.push_back(argv[i]);
+            if (takesNext)
+                toolkits.push_back(argv[++i]);
+        }
+        toolkitsCount = static_cast<int>(toolkits.size());
+        toolkits.push_back(nullptr);
+    }
+
+    QStringList ours;
+    std::vector<char*> toolkits; ///< must outlive the application object
+    int toolkitsCount;
+};
 
 void print(const QString& text) {
     std::fputs(text.toLocal8Bit().constData(), stdout);
@@ -66,11 +81,10 @@ struct EvaluatorEnd {
     EvaluatorEnd& operator=(const EvaluatorEnd&) = delete;
 };
 
-int runWithoutWindow(char** argv, const CommandLine& line) {
+int runWithoutWindow(Arguments& arguments, const CommandLine& line) {
     qInstallMessageHandler(writeOwnMessages);
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    int argc = onlyTheName;
-    const QGuiApplication application(argc, argv);
+    const QGuiApplication application(arguments.toolkitsCount, arguments.toolkits.data());
     const MainThreadLoop mainThreadLoop;
     setUpProgram();
     UserDefaults::standard().setReadOnly(true);
@@ -84,15 +98,15 @@ bool isDisplayThere() {
            qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
 }
 
-int runWithWindows(char** argv, const CommandLine& line) {
+int runWithWindows(Arguments& arguments, const CommandLine& line) {
     qInstallMessageHandler(writeOwnMessages);
-    const bool userChoseStyle = Appearance::userChoseStyle(onlyTheName, argv); // by the environment
+    const bool userChoseStyle =
+        Appearance::userChoseStyle(arguments.toolkitsCount, arguments.toolkits.data());
     if (!isDisplayThere()) {
         reportFailure({}, QStringLiteral("there is no display to open a window on"));
         return exitFailed;
     }
-    int argc = onlyTheName;
-    const Application application(argc, argv);
+    const Application application(arguments.toolkitsCount, arguments.toolkits.data());
     Appearance::instance().install(userChoseStyle);
     Appearance::instance().followDesktop();
     QApplication::setWindowIcon(Pictures::applicationIcon());
@@ -104,10 +118,10 @@ int runWithWindows(char** argv, const CommandLine& line) {
     return runWindows(line);
 }
 
-int runProgram(int argc, char** argv) {
+int runProgram(Arguments arguments) {
     QCoreApplication::setApplicationName(QStringLiteral("velquin"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VELQUIN_VERSION));
-    const auto parsed = parseCommandLine(argumentsOf(argc, argv));
+    const auto parsed = parseCommandLine(arguments.ours);
     if (const auto* wrong = std::get_if<UsageError>(&parsed)) {
         reportFailure({}, wrong->reason + QStringLiteral(" (see velquin --help)"));
         return exitWrongUsage;
@@ -121,14 +135,14 @@ int runProgram(int argc, char** argv) {
         print(QStringLiteral("velquin " VELQUIN_VERSION "\n"));
         return 0;
     }
-    return line.hasOutputs() ? runWithoutWindow(argv, line) : runWithWindows(argv, line);
+    return line.hasOutputs() ? runWithoutWindow(arguments, line) : runWithWindows(arguments, line);
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
     try {
-        return runProgram(argc, argv);
+        return runProgram(Arguments(argc, argv));
     } catch (const std::exception& error) {
         std::fprintf(stderr, "velquin: %s\n", error.what());
     } catch (...) {

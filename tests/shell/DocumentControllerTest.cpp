@@ -162,6 +162,21 @@ TEST_F(DocumentControllerTest, aDocumentOpensWithoutItsDataFile) {
     EXPECT_FALSE(opened.isDocumentEdited()) << "its file's name is not touched";
 }
 
+TEST_F(DocumentControllerTest, aReadThatIsGivenUpIsToldOnceAndKeepsTheData) {
+    MoxDocumentWindow& window = windowWith({u"1 2"_qs});
+    const XDataSource source = window.document().dataSourcesManager().dataSources().front();
+    ASSERT_TRUE(support::waitUntil([&] { return source->data() != nullptr && !source->isLoading(); }));
+    dynamic_cast<XPTextEditor&>(*source).setMemoryLimit(1);
+    alerts.plan = {0};
+    trigger(window, "reload");
+    ASSERT_TRUE(support::waitUntil([&] { return !source->isLoading(); }));
+    EXPECT_EQ(alerts.messages, QStringList{u"“Editor” was not read to the end."_qs});
+    EXPECT_TRUE(alerts.reason.startsWith(u"Line 1: "_qs)) << alerts.reason.toStdString();
+    EXPECT_TRUE(alerts.reason.endsWith(u". The data read before are kept."_qs))
+        << alerts.reason.toStdString();
+    EXPECT_NE(source->data(), nullptr);
+}
+
 TEST_F(DocumentControllerTest, recentDocumentsAreFewAndInOrder) {
     for (int i = 0; i < 12; ++i)
         documents.noteRecentDocument(u"/d/%1.mox"_qs.arg(i));

@@ -2,11 +2,14 @@
 
 #include "EmbeddedPlugins/TextFile/XPTextFile.h"
 
+#include <QFileInfo>
+
 #include <array>
+#include <string_view>
 
 namespace {
 
-constexpr std::array<const char*, 1> filenameKey{"filename"};
+constexpr std::array<const char*, 2> sourceKeys{"filename", "readError"};
 constexpr std::array<const char*, 2> pageKeys{"fault", "status"};
 
 /// The settings view refers to its source, which therefore goes after it.
@@ -20,7 +23,8 @@ QXTabBarItem::Controller makePage(const XDataSource& source) {
 } // namespace
 
 DataSourceTab::DataSourceTab(const XDataSource& source) : QXTabBarItem(makePage(source)), m_source(source) {
-    m_filename = Observation(*source, filenameKey, [this](const KeyChange&) { takeFilename(); });
+    m_sourceKeys =
+        Observation(*source, sourceKeys, [this](const KeyChange& change) { sourceChanged(change); });
     takeFilename();
     if (viewController() == nullptr)
         return;
@@ -31,6 +35,19 @@ DataSourceTab::DataSourceTab(const XDataSource& source) : QXTabBarItem(makePage(
             Q_EMIT newsCame(viewController()->status());
     });
     takeFault();
+}
+
+void DataSourceTab::sourceChanged(const KeyChange& change) {
+    if (change.key == std::string_view("filename"))
+        return takeFilename();
+    const auto* file = qobject_cast<const XPTextFile*>(m_source.get());
+    const QString& reason = m_source->readError();
+    if (file == nullptr || reason.isEmpty())
+        return;
+    // A file that is gone or closed to us was not begun: its page says so.
+    const QFileInfo info(file->filename());
+    if (file->filename().isEmpty() || (info.isFile() && info.isReadable()))
+        Q_EMIT readWasGivenUp(reason);
 }
 
 void DataSourceTab::takeFilename() {

@@ -18,12 +18,15 @@ class DataSourceTab : public QXTabBarItem {
   Q_SIGNALS:
     /// The source was read, or failed to be: what its page says about it.
     void newsCame(const QString& news);
+    /// A read that had begun well was given up.
+    void readWasGivenUp(const QString& reason);
 
   private:
     void takeFilename();
     void takeFault();
+    void sourceChanged(const KeyChange& change);
 
     XDataSource m_source;
-    Observation m_filename;
+    Observation m_sourceKeys;
     Observation m_page;
 };

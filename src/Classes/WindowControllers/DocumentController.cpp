@@ -45,6 +45,12 @@ QString DocumentController::folderKey() {
     return u"DocumentsFolder"_qs;
 }
 
+QString DocumentController::asSentence(QString reason) {
+    if (!reason.isEmpty())
+        reason[0] = reason[0].toUpper();
+    return reason.endsWith(u'.') ? reason : reason + u'.';
+}
+
 MoxDocumentWindow* DocumentController::windowOfFile(const QString& path) const {
     const auto found = std::find_if(m_windows.begin(), m_windows.end(), [&](const MoxDocumentWindow* window) {
         const QString& file = window->document().filePath();
@@ -114,9 +120,7 @@ void DocumentController::openFile(const QString& path, MoxDocumentWindow* from) 
         return;
     }
     if (const std::optional<QString> reason = document->readFromURL(file.absoluteFilePath())) {
-        QString sentence = *reason + u'.';
-        sentence[0] = sentence[0].toUpper();
-        Alerts::shared().tell(from, tr("“%1” cannot be opened.").arg(file.fileName()), sentence);
+        Alerts::shared().tell(from, tr("“%1” cannot be opened.").arg(file.fileName()), asSentence(*reason));
         return;
     }
     showDocument(std::move(document), {}, from);

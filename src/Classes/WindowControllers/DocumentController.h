@@ -25,6 +25,8 @@ class DocumentController : public QObject {
 
     /// The user default that remembers the folder of documents.
     static QString folderKey();
+    /// A reason for an alert: with a capital letter and a full stop.
+    static QString asSentence(QString reason);
 
     const QList<MoxDocumentWindow*>& windows() const { return m_windows; }
     /// The document window that is in front, as long as the program is; a dialog or a tool does not change

@@ -150,11 +150,16 @@ DataSourceTab* MoxDocumentWindow::tabOf(const XDataSource& dataSource) const {
     return nullptr;
 }
 
-DataSourceTab* MoxDocumentWindow::addTabOf(const XDataSource& dataSource, int index) {
+void MoxDocumentWindow::addTabOf(const XDataSource& dataSource, int index) {
     auto* tab = new DataSourceTab(dataSource);
     connect(tab, &DataSourceTab::newsCame, this, &MoxDocumentWindow::newsCame);
+    connect(tab, &DataSourceTab::readWasGivenUp, this, [this, dataSource](const QString& reason) {
+        const QString sentence = DocumentController::asSentence(reason);
+        const QString kept = tr("The data read before are kept.");
+        Alerts::shared().tell(this, tr("“%1” was not read to the end.").arg(dataSource->title()),
+                              dataSource->data() != nullptr ? sentence + u' ' + kept : sentence);
+    });
     dataSourcesTabBar().insertTabAtIndex(tab, index);
-    return tab;
 }
 
 void MoxDocumentWindow::insertDataSourceTab(const XDataSource& dataSource, int index) {

@@ -116,7 +116,7 @@ class MoxDocumentWindow : public QMainWindow,
 
     void windowControllerDidLoadNib();
     void setUpGraphTab();
-    DataSourceTab* addTabOf(const XDataSource& dataSource, int index);
+    void addTabOf(const XDataSource& dataSource, int index);
     DataSourceTab* tabOf(const XDataSource& dataSource) const;
     void takeDropped(const DroppedData& dropped);
     void chooseDataFile();

@@ -28,13 +28,6 @@ QString timeOf(const QDateTime& moment) {
     return locale.toString(moment, QString(format).remove(u":ss"_qs));
 }
 
-/// A reason as a sentence of its own.
-QString asSentence(QString reason) {
-    if (!reason.isEmpty())
-        reason[0] = reason[0].toUpper();
-    return reason.endsWith(u'.') ? reason : reason + u'.';
-}
-
 void tell(const MoxDocumentWindow::Answer& answer, bool value) {
     if (answer)
         answer(value);
@@ -116,7 +109,7 @@ void MoxDocumentWindow::saveTo(const QString& path, const Answer& saved) {
     Alerts::shared().ask(this,
                          {Alert::Kind::Fault,
                           tr("“%1” was not saved.").arg(QFileInfo(path).fileName()),
-                          asSentence(*failure) + u' ' + stays,
+                          DocumentController::asSentence(*failure) + u' ' + stays,
                           {{tr("OK"), Alert::Role::Cancel}, {tr("Save As…"), Alert::Role::Other}}},
                          [this, saved](int button) {
                              if (button == 1)
