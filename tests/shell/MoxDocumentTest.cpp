@@ -212,6 +212,17 @@ TEST_F(MoxDocumentTest, whatMarksTheDocumentEdited) {
     EXPECT_TRUE(couldUndo && document().isDocumentEdited());
     document().undoManager().undo();
     EXPECT_FALSE(document().isDocumentEdited()) << "back at what was saved";
+
+    const XDataSource source = addText(u"1"_qs);
+    nextTurn();
+    const std::pair<const char*, QVariant> contents[] = {
+        {"textData", QVariant::fromValue(std::optional(u"2"_qs))}, {"title", u"Sums"_qs}};
+    for (const auto& [key, value] : contents) {
+        save();
+        source->setValueForKey(key, value);
+        EXPECT_TRUE(document().isDocumentEdited()) << key;
+        EXPECT_EQ(document().undoManager().undoActionName(), u"Add Datasource"_qs) << key << " makes no step";
+    }
 }
 
 TEST_F(MoxDocumentTest, onlyTenLevelsAreKept) {
