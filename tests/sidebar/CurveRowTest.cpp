@@ -67,9 +67,14 @@ QRect boxIn(const QImage& image) {
 
 TEST_F(CurveRow, anExpressionTakesTheVeryPixelsOfTheColumn) {
     const QRect expected(28, 52, 188, 24);
-    EXPECT_EQ(boxIn(drawn(*row->view())), expected);
-    click("xUseExpressionButton");
-    EXPECT_EQ(boxIn(drawn(*row->view())), expected);
+    for (const bool uses : {false, true}) {
+        curve->setX_uses_expression(uses);
+        const QImage image = drawn(*row->view());
+        EXPECT_EQ(boxIn(image), expected);
+        for (const QPoint edge : {QPoint(150, 52), QPoint(28, 64), QPoint(215, 64)})
+            EXPECT_EQ(image.pixelColor(edge), currentColors().edge) << uses << edge.x();
+        EXPECT_EQ(image.pixelColor(150, 75), uses ? currentColors().edge2 : currentColors().edge);
+    }
     // Neither reaches beyond its box for the pointer.
     EXPECT_EQ(row->view()->childAt(100, 77), control("xExpressionProgress"));
     EXPECT_EQ(row->view()->childAt(100, 78), nullptr);

@@ -160,7 +160,10 @@ TEST_F(UndoRow, whatWasCommittedIsNotTheFieldsToUndo) {
     EXPECT_FALSE(control<QLineEdit>("curveName")->isUndoAvailable());
     QTest::keyClicks(control("curveName"), QStringLiteral("s"));
     EXPECT_TRUE(control<QLineEdit>("curveName")->isUndoAvailable());
-    enter("lineWidthField", "3");
+    press("lineWidthField", Qt::Key_Home, 1);
+    for (const Qt::Key key : {Qt::Key_Delete, Qt::Key_3, Qt::Key_Return}) // the unit stays as it is
+        press("lineWidthField", key, 1);
+    EXPECT_EQ(curve->lineWidth(), 3);
     EXPECT_FALSE(control("lineWidthField")->findChild<QLineEdit*>()->isUndoAvailable());
     undo.closeTurnGroup();
     undo.removeAllActions();

@@ -99,7 +99,7 @@ TEST_F(CurveRow, suggestionsAreChosenByKeyAndPointer) {
     const CompletionList* suggestions = field->completionList();
     EXPECT_TRUE(window.rect().contains(suggestions->geometry()));
     EXPECT_GT(suggestions->y(), field->y() + 24) << "the field stays in sight";
-    QTest::keyClick(field, Qt::Key_Return);
+    QTest::keyClick(field, Qt::Key_Tab);
     EXPECT_EQ(field->text(), QStringLiteral("mean("));
     EXPECT_FALSE(field->isSuggesting());
     EXPECT_FALSE(curve->x_data_expression()) << "accepted, not committed";
@@ -109,6 +109,22 @@ TEST_F(CurveRow, suggestionsAreChosenByKeyAndPointer) {
     QTest::keyClick(field, Qt::Key_Tab);
     EXPECT_EQ(field->text(), QStringLiteral("mean(\"air\""));
     EXPECT_TRUE(field->hasFocus());
+
+    field->clear();
+    QTest::keyClicks(field, QStringLiteral("mea"));
+    QTest::keyClick(field, Qt::Key_Down);
+    QTest::keyClick(field, Qt::Key_Up);
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_EQ(field->text(), QStringLiteral("mean(")) << "chosen from the list";
+    EXPECT_FALSE(curve->x_data_expression());
+    field->clear();
+    QTest::keyClicks(field, QStringLiteral("row+c1"));
+    ASSERT_TRUE(field->isSuggesting());
+    QTest::keyClick(field, Qt::Key_Return);
+    EXPECT_FALSE(field->isSuggesting());
+    EXPECT_EQ(curve->x_data_expression(), QStringLiteral("row+c1")) << "typed, whatever the list offers";
+
+    field->setText(QStringLiteral("mean(\"air\""));
     QTest::keyClicks(field, QStringLiteral(",2)+de"));
     QTest::keyClick(field, Qt::Key_Escape);
     EXPECT_FALSE(field->isSuggesting());
@@ -126,7 +142,7 @@ TEST_F(CurveRow, suggestionsAreChosenByKeyAndPointer) {
     QTest::mouseClick(&window, Qt::LeftButton, {}, QPoint(200, 480));
     EXPECT_FALSE(field->isSuggesting()) << "turned to something else";
     QTest::keyClick(field, Qt::Key_Escape);
-    EXPECT_EQ(field->text(), QString()) << "nothing was committed";
+    EXPECT_EQ(field->text(), QStringLiteral("row+c1")) << "what was committed last";
     curve->setX_uses_expression(false);
     row.reset();
     EXPECT_EQ(window.findChildren<CompletionList*>().size(), 0);

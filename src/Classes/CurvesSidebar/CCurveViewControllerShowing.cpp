@@ -82,8 +82,7 @@ void CCurveViewController::showFaults() {
     QString first;
     for (std::size_t i = 0; i < m_values.size(); ++i) {
         const Value& value = m_values[i];
-        const bool uses = m_curve->valueForKey(value.usesKey).toBool();
-        const QString reason = uses ? m_curve->valueForKey(value.errorKey).toString() : QString();
+        const QString reason = m_curve->valueForKey(value.errorKey).toString();
         VelquinStyle::setFault(*value.expression, reason);
         marks.isFaulty[i] = !reason.isEmpty();
         if (!reason.isEmpty())

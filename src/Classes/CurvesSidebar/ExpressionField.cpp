@@ -62,6 +62,7 @@ CompletionList* ExpressionField::completionList() const {
 }
 
 void ExpressionField::suggest(bool asked) {
+    m_isChoosing = asked;
     m_suggestions = suggestionsFor(text(), cursorPosition(), m_columnNames, asked);
     if (m_suggestions.list.empty()) {
         stopSuggesting();
@@ -108,9 +109,14 @@ bool ExpressionField::takesKey(const QKeyEvent& key) {
         return true;
     }
     switch (key.key()) {
-    case Qt::Key_Tab:
     case Qt::Key_Return:
     case Qt::Key_Enter:
+        if (!m_isChoosing) { // the list came by itself: what was typed is what is meant
+            stopSuggesting();
+            return false;
+        }
+        [[fallthrough]];
+    case Qt::Key_Tab:
         acceptSuggestion();
         return true;
     case Qt::Key_Escape:
@@ -118,10 +124,12 @@ bool ExpressionField::takesKey(const QKeyEvent& key) {
         return true;
     case Qt::Key_Up:
     case Qt::Key_Down:
+        m_isChoosing = true;
         m_completionList->step(key.key() == Qt::Key_Up ? -1 : 1);
         return true;
     case Qt::Key_PageUp:
     case Qt::Key_PageDown:
+        m_isChoosing = true;
         m_completionList->step(key.key() == Qt::Key_PageUp ? -pageOfSuggestions : pageOfSuggestions);
         return true;
     case Qt::Key_Left:

@@ -9,9 +9,9 @@
 
 class CompletionList;
 
-/// Monospaced. Suggests columns and functions while a name is typed, and when Ctrl+Space or Down asks: Tab or
-/// Enter accepts, Escape closes. Its box leaves the lowest pixels of its frame free, as many as `setBed`
-/// says.
+/// Monospaced. Suggests columns and functions while a name is typed, and when Ctrl+Space or Down asks: Tab
+/// accepts, and so does Enter once the list was asked for or walked through; Escape closes. Its box leaves
+/// the lowest pixels of its frame free, as many as `setBed` says.
 class ExpressionField : public RowTextField {
     Q_OBJECT
 
@@ -52,4 +52,5 @@ class ExpressionField : public RowTextField {
     QPointer<CompletionList> m_completionList; ///< made when it is needed first; a child of the window
     Suggestions m_suggestions;
     bool m_isAccepting = false;
+    bool m_isChoosing = false; ///< the list was asked for or walked through, so that Return accepts from it
 };
