@@ -129,6 +129,17 @@ TEST_F(GraphViewControllerTest, toolsFollowThePlotAndThePlotFollowsThem) {
     EXPECT_TRUE(isOn("fitButton") && scene().autoFitToData);
 }
 
+TEST_F(GraphViewControllerTest, theStatusLineSaysWhyAnExpressionHasNoResult) {
+    EXPECT_EQ(controller.status(), plotView().message());
+    const XCurveHandle curve = document.curves()[0];
+    curve->setY_data_expression(u"nosuch("_qs);
+    curve->setY_uses_expression(true);
+    EXPECT_TRUE(support::waitUntil([&] { return !curve->yExpressionError().isEmpty(); }));
+    EXPECT_TRUE(controller.status().contains(curve->yExpressionError())) << controller.status().toStdString();
+    document.removeCurve(curve);
+    EXPECT_EQ(controller.status(), plotView().message()) << "gone with its row";
+}
+
 TEST_F(GraphViewControllerTest, blackBackgroundHasAWayBackAndNoSeam) {
     document.setAxisTitleX(u"x"_qs); // titles leave a corner of the container free
     document.setAxisTitleY(u"y"_qs);

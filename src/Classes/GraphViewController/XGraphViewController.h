@@ -10,7 +10,6 @@
 
 #include <QPointer>
 
-#include <map>
 #include <memory>
 #include <vector>
 
@@ -136,7 +135,6 @@ class XGraphViewController : public XViewController,
     Observation m_observation;
     std::vector<Observation> m_curveObservations; ///< of what is drawn, not how
     std::vector<NotificationCenter::Registration> m_registrations;
-    std::map<const XViewController*, QString> m_rowFaults; ///< why a row's expression has no result
     bool m_plotArea_inFocus = false;
     bool m_axisXTitle_inFocus = false;
     bool m_axisYTitle_inFocus = false;

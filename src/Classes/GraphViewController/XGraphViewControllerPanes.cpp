@@ -70,11 +70,7 @@ std::shared_ptr<CCurveViewController> XGraphViewController::makeRow() {
     auto row =
         std::make_shared<CCurveViewController>(m_document->dataSourcesManager().arrayController(), delegate);
     connect(row.get(), &CCurveViewController::heightChanged, m_ui->curvesList, &CSmartListView::updateLayout);
-    connect(row.get(), &CCurveViewController::faultChanged, this,
-            [this, row = row.get()](const QString& reason) {
-                m_rowFaults[row] = reason;
-                updateStatusLine();
-            });
+    connect(row.get(), &CCurveViewController::faultChanged, this, &XGraphViewController::updateStatusLine);
     return row;
 }
 
@@ -93,9 +89,6 @@ void XGraphViewController::insertCurveAtIndex(const XCurveHandle& curve, int ind
 }
 
 void XGraphViewController::removeCurveAtIndex(int index) {
-    const auto& rows = m_ui->curvesList->viewControllers();
-    if (index >= 0 && static_cast<std::size_t>(index) < rows.size())
-        m_rowFaults.erase(rows[static_cast<std::size_t>(index)].get());
     m_ui->curvesList->removeViewControllerAtIndex(index);
     curvesChanged();
     plotView().update();
@@ -114,7 +107,6 @@ void XGraphViewController::removeRows() {
         (*row)->setCurve(nullptr); // ends what the user is at, while there is a document to tell
         m_ui->curvesList->removeViewControllerAtIndex(static_cast<int>(all.rend() - row) - 1);
     }
-    m_rowFaults.clear();
     curvesChanged();
 }
 
@@ -136,6 +128,7 @@ void XGraphViewController::curvesChanged() {
     m_ui->noCurvesView->setVisible(count == 0);
     m_ui->curvesListScrollView->setVisible(count > 0);
     orderFocus();
+    updateStatusLine();
 }
 
 void XGraphViewController::orderFocus() {
@@ -187,10 +180,11 @@ void XGraphViewController::updateTools() {
 }
 
 void XGraphViewController::updateStatusLine() {
-    const auto faulty = std::find_if(m_rowFaults.begin(), m_rowFaults.end(),
-                                     [](const auto& fault) { return !fault.second.isEmpty(); });
-    if (faulty != m_rowFaults.end())
-        setStatus(faulty->second);
+    const std::vector<CCurveViewController*> all = rows();
+    const auto faulty =
+        std::find_if(all.begin(), all.end(), [](const auto* row) { return !row->fault().isEmpty(); });
+    if (faulty != all.end())
+        setStatus((*faulty)->fault());
     else
         setStatus(canAddCurve() ? plotView().message() : tr("No data source yet"));
 }

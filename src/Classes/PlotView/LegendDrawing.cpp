@@ -28,7 +28,7 @@ QPen penOf(const XCurve& curve) {
 
 /// The bar that stands for the line, within the sample.
 QRectF lineBar(int lineWidth) {
-    const double inset = std::max(0, lineWidth) / 3;
+    const int inset = std::max(0, lineWidth) / 3;
     const double bottom = std::round(rowHeight / 2 - 0.5 * lineWidth);
     return QRectF(inset, bottom, std::max(0.0, sampleWidth - 2 * inset), lineWidth)
         .intersected(QRectF(0, 0, sampleWidth, rowHeight));
