@@ -2,7 +2,9 @@
 // something.
 #include "WindowFixture.h"
 
+#include <QDropEvent>
 #include <QFileInfo>
+#include <QMimeData>
 
 using namespace Qt::StringLiterals;
 
@@ -141,11 +143,22 @@ TEST_F(DocumentControllerTest, aFileIsOneDocumentAndTakesTheUntouchedWindowsPlac
     EXPECT_EQ(documents.windows().last()->documentName(), u"a b"_qs);
     EXPECT_FALSE(documents.windows().last()->isWindowModified()) << "just looked at";
 
-    alerts.plan = {0};
+    MoxDocumentWindow& other = *documents.windows().last();
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(path)});
+    QDropEvent drop(QPointF(600, 400), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&other, &drop);
+    EXPECT_EQ(other.dataSourceTabCount(), 1) << "a document is opened, not read as numbers";
+    panels.paths = {path};
+    alerts.plan = {0, 0};
+    other.saveAs();
+    EXPECT_TRUE(other.document().filePath().isEmpty()) << "two windows never share a file";
+
     const support::AssertionRecorder assertions;
     const support::LogRecorder log;
     documents.openFile(folder.write(u"bad.mox"_qs, "garbage"), window);
-    EXPECT_EQ(alerts.messages, QStringList{u"“bad.mox” cannot be opened."_qs});
+    EXPECT_EQ(alerts.messages,
+              (QStringList{u"“d.mox” was not saved."_qs, u"“bad.mox” cannot be opened."_qs}));
     EXPECT_TRUE(alerts.reason.startsWith(u"It is not a document: "_qs)) << alerts.reason.toStdString();
     EXPECT_EQ(documents.windows().size(), 2) << "no half-open window";
 }

@@ -308,12 +308,20 @@ void MoxDocumentWindow::chooseDataFile() {
                                  .defaultSuffix = {}},
                                 [this](const QStringList& paths) {
                                     if (!paths.isEmpty())
-                                        m_document->fileDropped(paths.first());
+                                        takeFile(paths.first());
                                 });
 }
 
+/// A document that comes in by one of the doors of data is opened, since there are no numbers in it.
+void MoxDocumentWindow::takeFile(const QString& path) {
+    if (MoxDocument::isDocument(path))
+        m_documents.openFile(path, this);
+    else
+        m_document->fileDropped(path);
+}
+
 void MoxDocumentWindow::fileDroppedOnDropzone(const QString& path, XDropHereView&) {
-    m_document->fileDropped(path);
+    takeFile(path);
 }
 
 void MoxDocumentWindow::textDroppedOnDropzone(const QString& text, XDropHereView&) {
@@ -322,7 +330,7 @@ void MoxDocumentWindow::textDroppedOnDropzone(const QString& text, XDropHereView
 
 void MoxDocumentWindow::takeDropped(const DroppedData& dropped) {
     if (dropped.kind == DroppedData::Kind::File)
-        m_document->fileDropped(dropped.text);
+        takeFile(dropped.text);
     else
         m_document->textDropped(dropped.text);
 }

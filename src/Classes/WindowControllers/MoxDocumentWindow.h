@@ -118,6 +118,7 @@ class MoxDocumentWindow : public QMainWindow,
     void setUpGraphTab();
     void addTabOf(const XDataSource& dataSource, int index);
     DataSourceTab* tabOf(const XDataSource& dataSource) const;
+    void takeFile(const QString& path);
     void takeDropped(const DroppedData& dropped);
     void chooseDataFile();
     void selectionChanged();

@@ -97,7 +97,10 @@ void MoxDocumentWindow::saveAs(const Answer& saved) {
 
 void MoxDocumentWindow::saveTo(const QString& path, const Answer& saved) {
     const bool wasThere = QFileInfo::exists(path);
-    const std::optional<QString> failure = m_document->writeToURL(path);
+    const MoxDocumentWindow* other = m_documents.windowOfFile(path);
+    const bool isTaken = other != nullptr && other != this;
+    const std::optional<QString> failure =
+        isTaken ? tr("it is open in another window") : m_document->writeToURL(path);
     if (!failure) {
         m_documents.noteRecentDocument(path);
         tell(saved, true);

@@ -205,6 +205,7 @@ int VelquinStyle::styleHint(StyleHint hint, const QStyleOption* option, const QW
     case SH_EtchDisabledText:
     case SH_DitherDisabledText:
     case SH_ComboBox_Popup:
+    case SH_DialogButtonBox_ButtonsHaveIcons:
         return 0;
     case SH_FocusFrame_AboveWidget:
     case SH_ItemView_ShowDecorationSelected:
