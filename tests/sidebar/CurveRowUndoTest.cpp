@@ -161,8 +161,9 @@ TEST_F(UndoRow, whatWasCommittedIsNotTheFieldsToUndo) {
     QTest::keyClicks(control("curveName"), QStringLiteral("s"));
     EXPECT_TRUE(control<QLineEdit>("curveName")->isUndoAvailable());
     press("lineWidthField", Qt::Key_Home, 1);
-    for (const Qt::Key key : {Qt::Key_Delete, Qt::Key_3, Qt::Key_Return}) // the unit stays as it is
+    for (const Qt::Key key : {Qt::Key_Delete, Qt::Key_3}) // the unit stays as it is
         press("lineWidthField", key, 1);
+    leave();
     EXPECT_EQ(curve->lineWidth(), 3);
     EXPECT_FALSE(control("lineWidthField")->findChild<QLineEdit*>()->isUndoAvailable());
     undo.closeTurnGroup();
