@@ -7,6 +7,7 @@
 #include "Platform/Core/NotificationCenter.h"
 
 #include <QLabel>
+#include <QLayout>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
@@ -96,10 +97,10 @@ TEST_F(MoxDocumentWindowTest, theStatusLineTellsOfTheSelectedPageOrTheLastNews) 
                                         [](const QLabel* text) { return text->text() == u"x"_qs; });
         return found == texts.end() ? QPoint() : (*found)->pos();
     };
-    ASSERT_TRUE(support::waitUntil([&] { return placeOfX().x() > 600; }));
+    window.statusLine().layout()->activate();
     const QPoint place = placeOfX();
     pageOf(window, 0).setReadouts({{u"x"_qs, u"1"_qs}, {u"y"_qs, u"2"_qs}});
-    QCoreApplication::processEvents();
+    window.statusLine().layout()->activate();
     EXPECT_EQ(placeOfX(), place) << "columns do not jump";
     window.showMessage(u"news"_qs);
     EXPECT_EQ(window.statusLine().message(), u"news"_qs);

@@ -231,7 +231,7 @@ void MoxDocumentWindow::closeSelectedTab() {
         tab->onClose();
 }
 
-void MoxDocumentWindow::selectNextTab(int step) {
+void MoxDocumentWindow::selectNextTab(int step) const {
     const auto dataTabs = static_cast<int>(dataSourcesTabBar().tabs().size());
     const int count = dataTabs + static_cast<int>(graphTabBar().tabs().size());
     const int current = isPlotSelected() ? dataTabs : std::max(0, dataSourcesTabBar().selectedIndex());

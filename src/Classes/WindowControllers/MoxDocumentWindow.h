@@ -73,7 +73,7 @@ class MoxDocumentWindow : public QMainWindow,
     void onFitToData();
     /// The size that pictures of the window have by custom; the origin stays.
     void onPrepareToSnapshot();
-    void selectNextTab(int step);
+    void selectNextTab(int step) const;
     void save(const Answer& saved = {});
     void saveAs(const Answer& saved = {});
     /// Takes what was typed and waits: the focused field's text, and what pages hold back.
