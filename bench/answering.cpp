@@ -134,8 +134,6 @@ int main(int argc, char** argv) {
                     {{QStringLiteral("Filename"), path}, {QStringLiteral("DelimiterType"), 1}});
             },
             isRead);
-        heartbeat.phase(
-            "survey", [] {}, [&] { return window.selectedPage()->status().contains(u"rows"); });
         XCurveHandle curve;
         heartbeat.phase(
             "add a curve, show the plot",

@@ -24,6 +24,19 @@
 
 namespace {
 
+/// Giving back the memory of so many cells takes long enough to be felt.
+constexpr std::uint64_t manyCells = 1 << 20;
+
+class TableRelease : public Operation {
+  public:
+    explicit TableRelease(XTable table) : m_table(std::move(table)) {}
+
+    void main() override { m_table.reset(); }
+
+  private:
+    XTable m_table;
+};
+
 constexpr int progressIntervalMs = 40;
 constexpr int defaultMaxRecentFiles = 15;
 
@@ -268,6 +281,8 @@ void XPTextFile::setData(XTable table) {
     NotificationCenter::defaultCenter().post(Notifications::dataSourceUpdated, this);
     if (self != nullptr)
         announce("data", QVariant::fromValue(old), QVariant::fromValue(table));
+    if (self != nullptr && old != nullptr && old->rowsNumber() * old->columnsNumber() > manyCells)
+        m_disposal.add(std::make_shared<TableRelease>(std::move(old)));
 }
 
 QStringList XPTextFile::columnNames() const {

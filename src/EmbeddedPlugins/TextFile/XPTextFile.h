@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Classes/DataSourcesManager/XDataSourceProtocol.h"
+#include "Platform/Core/OperationQueue.h"
 
 #include <QPointer>
 #include <QTimer>
@@ -112,5 +113,6 @@ class XPTextFile : public XDataSourceProtocol {
     mutable std::mutex m_tableMutex;
     XTable m_data;
     mutable QStringList m_columnNames;      ///< made when asked for; empty means not made
+    OperationQueue m_disposal{1};           ///< lets go of tables that nobody reads any more
     std::unique_ptr<XPDataReader> m_reader; ///< last, so that its thread ends first
 };
