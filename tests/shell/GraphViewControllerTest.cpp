@@ -101,6 +101,25 @@ TEST_F(GraphViewControllerTest, rowsFollowTheCurves) {
     EXPECT_EQ(document.curves().size(), 1) << "no curve without a data source";
 }
 
+TEST_F(GraphViewControllerTest, stepsOfANumberEndWhereAnotherButtonIsPressed) {
+    const XCurveHandle curve = document.curves().first();
+    const int width = curve->lineWidth();
+    for (const char* button : {"deleteButton", "addCurveButton"}) {
+        forgetChanges();
+        part("lineWidthField").setFocus();
+        QTest::keyClick(&part("lineWidthField"), Qt::Key_Up);
+        QTest::mouseClick(&part(button), Qt::LeftButton);
+        EXPECT_NE(document.curves().size(), 1) << button;
+        document.undoManager().undo();
+        EXPECT_EQ(document.curves(), QList{curve}) << button;
+        EXPECT_EQ(curve->lineWidth(), width + 1) << button << " is a step of its own";
+        document.undoManager().undo();
+        EXPECT_EQ(curve->lineWidth(), width) << button;
+        support::waitUntil(
+            [this] { return page().findChildren<QWidget*>(u"lineWidthField"_qs).size() == 1; });
+    }
+}
+
 TEST_F(GraphViewControllerTest, toolsFollowThePlotAndThePlotFollowsThem) {
     int told = 0;
     QObject::connect(&controller, &XGraphViewController::commandStatesChanged, &page(), [&] { ++told; });

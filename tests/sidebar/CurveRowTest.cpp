@@ -246,7 +246,7 @@ TEST_F(CurveRow, leavesByButtonKeyAndMenu) {
 TEST_F(CurveRow, foldsByButtonAndMenu) {
     QSignalSpy heights(row.get(), &CCurveViewController::heightChanged);
     click("yUseExpressionButton");
-    control("yRowTextField")->setFocus();
+    EXPECT_TRUE(control("yRowTextField")->hasFocus()) << "ready to be typed into";
     row->setFolded(true);
     EXPECT_EQ(row->view()->height(), 27);
     EXPECT_TRUE(control("foldButton")->hasFocus()) << "the focus stays where it can be seen";

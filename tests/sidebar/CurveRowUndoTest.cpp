@@ -134,7 +134,6 @@ TEST_F(UndoRow, oneGestureIsOneStep) {
              curve->setTicksSize(0);
              undo.removeAllActions();
              choose("shapePopupButton", 4);
-             curve->ticksSize();
          },
          1, "title"},
         {"a color", [&] { color(true); }, 1, "color"},

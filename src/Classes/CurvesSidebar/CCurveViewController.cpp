@@ -164,7 +164,7 @@ void CCurveViewController::connectControls() {
     connect(m_ui->pointsizeUseExpressionButton, &QAbstractButton::clicked, this,
             &CCurveViewController::onChangePointSizeRowType);
     connect(m_ui->shapePopupButton, &QComboBox::activated, this, [this] { shapeChosen(); });
-    for (const SpinField* field : {m_ui->lineWidthField, m_ui->opacityField, m_ui->pointSizeField}) {
+    for (const SpinField* field : numberFields()) {
         connect(field, &SpinField::burstBegan, this, [this] { beginGesture(); });
         connect(field, &SpinField::burstEnded, this, [this] { endGesture(); });
     }
@@ -279,8 +279,11 @@ void CCurveViewController::onChangePointSizeRowType() {
 
 void CCurveViewController::changeType(Which which) {
     const Value& value = m_values[static_cast<std::size_t>(which)];
-    if (m_curve)
-        m_curve->setValueForKey(value.usesKey, !m_curve->valueForKey(value.usesKey).toBool());
+    if (!m_curve)
+        return;
+    m_curve->setValueForKey(value.usesKey, !m_curve->valueForKey(value.usesKey).toBool());
+    if (value.expression->isVisible()) // who switches an expression on means to type one
+        value.expression->setFocus(Qt::OtherFocusReason);
 }
 
 void CCurveViewController::randomizeColor() {
@@ -340,6 +343,15 @@ void CCurveViewController::endGesture(bool cancelled) {
         m_delegate->gestureCancelled();
     else
         m_delegate->gestureEnded();
+}
+
+std::array<SpinField*, 3> CCurveViewController::numberFields() const {
+    return {m_ui->lineWidthField, m_ui->opacityField, m_ui->pointSizeField};
+}
+
+void CCurveViewController::endBursts() {
+    for (SpinField* field : numberFields())
+        field->endBurst();
 }
 
 std::vector<QWidget*> CCurveViewController::controlsInTabOrder() const {

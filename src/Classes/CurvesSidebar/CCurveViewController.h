@@ -17,6 +17,7 @@
 class CCurveView;
 class ExpressionField;
 class QMenu;
+class SpinField;
 class XHoverButton;
 class XMiniProgressIndicator;
 class XPointsLibrary;
@@ -53,6 +54,8 @@ class CCurveViewController : public XViewController {
     /// Puts the row's controls after `previous` in the tab order; returns the last of them. Whoever arranges
     /// rows chains them from the top.
     QWidget* chainTabOrderAfter(QWidget* previous);
+    /// Steps of a number no longer wait for another: what comes next is a gesture of its own.
+    void endBursts();
     /// The row's menu: hide, fold, fold all, remove; it deletes itself when it closes.
     QMenu* makeMenu();
 
@@ -99,6 +102,7 @@ class CCurveViewController : public XViewController {
     void endColorChoice(bool accepted);
     void beginGesture();
     void endGesture(bool cancelled = false);
+    std::array<SpinField*, 3> numberFields() const;
     std::vector<QWidget*> controlsInTabOrder() const;
 
     void showLook();

@@ -1,6 +1,7 @@
 // The swatch and its dialog.
 #include "Classes/CurvesSidebar/ColorButton.h"
 
+#include "Platform/Widgets/Appearance.h"
 #include "Platform/Widgets/StylePainting.h"
 
 #include <QColorDialog>
@@ -47,5 +48,5 @@ void ColorButton::paintEvent(QPaintEvent* event) {
     const QRectF swatch = QRectF(rect()).adjusted(swatchMargin, swatchMargin, -swatchMargin, -swatchMargin);
     painter.setOpacity(isEnabled() ? 1 : 0.5);
     StylePainting::drawBox(painter, swatch, swatchRadius, m_color, {});
-    StylePainting::drawBox(painter, swatch, swatchRadius, {}, QColor(127, 127, 127, 115));
+    StylePainting::drawBox(painter, swatch, swatchRadius, {}, currentColors().edge);
 }

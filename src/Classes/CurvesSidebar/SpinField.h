@@ -17,6 +17,8 @@ class SpinField : public QSpinBox {
 
     void stepBy(int steps) override;
     bool isInBurst() const { return m_isInBurst; }
+    /// Does not wait for another step.
+    void endBurst();
 
   Q_SIGNALS:
     /// Before the first step of a burst, and after its last one: when the steps pause, when the focus goes,
@@ -32,7 +34,6 @@ class SpinField : public QSpinBox {
     void changeEvent(QEvent* event) override;
 
   private:
-    void endBurst();
     void fitUnit();
 
     QString m_unit; ///< as it was set first, with its blank

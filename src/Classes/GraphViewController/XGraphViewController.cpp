@@ -193,8 +193,10 @@ void XGraphViewController::setCurves() {
 }
 
 void XGraphViewController::onAddCurve() {
-    if (canAddCurve())
-        m_document->addNewCurve();
+    if (!canAddCurve())
+        return;
+    endBursts();
+    m_document->addNewCurve();
 }
 
 bool XGraphViewController::canAddCurve() const {

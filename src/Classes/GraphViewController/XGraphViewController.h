@@ -101,6 +101,7 @@ class XGraphViewController : public XViewController,
     void followData(); ///< while the plot is fitted, whatever else it shows now is fitted too
     void setCurves();
     void removeRows();
+    void endBursts();
     void curvesChanged();
     void orderFocus();
     void dataSourcesChanged();

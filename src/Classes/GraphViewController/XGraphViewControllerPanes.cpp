@@ -113,8 +113,15 @@ void XGraphViewController::removeRows() {
 void XGraphViewController::curveRemoved(const XCurveHandle& curve) {
     if (!xAssert(curve != nullptr, "nil in onDeleteCurve handler!"))
         return;
+    endBursts();
     m_document->removeCurve(curve);
     plotView().scene().setCurves(m_document->curves());
+}
+
+/// Of the rows: a button that takes no focus has not ended them.
+void XGraphViewController::endBursts() {
+    for (CCurveViewController* row : rows())
+        row->endBursts();
 }
 
 void XGraphViewController::foldAll(bool folded) {
