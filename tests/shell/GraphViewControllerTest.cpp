@@ -115,8 +115,8 @@ TEST_F(GraphViewControllerTest, stepsOfANumberEndWhereAnotherButtonIsPressed) {
         EXPECT_EQ(curve->lineWidth(), width + 1) << button << " is a step of its own";
         document.undoManager().undo();
         EXPECT_EQ(curve->lineWidth(), width) << button;
-        support::waitUntil(
-            [this] { return page().findChildren<QWidget*>(u"lineWidthField"_qs).size() == 1; });
+        EXPECT_TRUE(support::waitUntil(
+            [this] { return page().findChildren<QWidget*>(u"lineWidthField"_qs).size() == 1; }));
     }
 }
 
