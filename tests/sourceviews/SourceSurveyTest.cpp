@@ -69,6 +69,8 @@ TEST(TableSurvey, countsWhatIsMissing) {
         {"full", {{1, 2}, {3, 4}}, 0, 0, false, {}},
         {"holes", {{1, nan, 3, 4}, {nan, nan, 3, 4}}, 1, 1, false, {}},
         {"every second row", {{nan, 1, nan, 2}, {nan, 1, nan, nan}}, 2, 1, true, {}},
+        {"names before few rows", {{nan, nan, 1, nan, 2, nan}}, 4, 0, true, {}},
+        {"two that differ", {{nan, nan, 1, 1, 2, nan}}, 3, 0, false, {}},
         {"an odd count", {{1, nan, 2}}, 1, 0, true, {}},
         {"half of it at the end", {{1, 2, nan, nan}}, 2, 0, false, {}},
         {"a column of nothing", {{1, 2}, {nan, nan}}, 0, 2, false, {1}},

@@ -134,6 +134,9 @@ void PreviewTableView::measureNumbers() {
     m_numberWidths.assign(static_cast<std::size_t>(columns()), 0);
     if (columns() == 0 || rows() == 0)
         return;
+    QFont bold(font());
+    bold.setBold(true);
+    const QString rowHead = m_model->headerData(0, Qt::Horizontal).toString();
     const int samples = std::clamp(cellsToMeasure / columns(), 2, 64);
     const int digit = fontMetrics().horizontalAdvance(QLatin1Char('0'));
     for (int column = 0; column < columns(); ++column) {
@@ -145,6 +148,9 @@ void PreviewTableView::measureNumbers() {
         }
         m_numberWidths[static_cast<std::size_t>(column)] = static_cast<int>(longest) * digit + 2 * padding;
     }
+    // The head of the rows is no name from a file: it has to be read whole.
+    m_numberWidths[0] =
+        std::max(m_numberWidths[0], QFontMetrics(bold).horizontalAdvance(rowHead) + 2 * padding);
 }
 
 void PreviewTableView::layOut() {
