@@ -69,6 +69,15 @@ std::string suggested(const char* textWithCursor, bool asked) {
     return (text.mid(found.start, found.length) + u'>' + texts.join(u',')).toStdString();
 }
 
+TEST(ExpressionSuggestions, doNotListEveryColumnOfAWideTable) {
+    QStringList columns(10'000, QStringLiteral("min"));
+    const Suggestions found = suggestionsFor(QStringLiteral("mi"), 2, columns, false);
+    ASSERT_LT(found.list.size(), 300U);
+    EXPECT_EQ(found.list[0].text, QStringLiteral("\"min\""));
+    EXPECT_EQ(found.list[1].text, QStringLiteral("c2")) << "the name means the first column";
+    EXPECT_EQ(found.list.back().text, QStringLiteral("minute(")) << "functions stay within reach";
+}
+
 TEST(ExpressionSuggestions, nameWhatMayBeMeant) {
     const std::vector<std::tuple<const char*, const char*>> cases{
         {"mi|", R"(mi>"minute x",min(,minute()"},

@@ -67,12 +67,13 @@ void CompletionList::showAt(const QRect& box, const std::vector<Suggestion>& sug
     clear();
     int labels = 0;
     int helps = 0;
+    const QFontMetrics labelMetrics(m_labelFont), helpMetrics(font());
     for (const Suggestion& suggestion : suggestions) {
         auto* item = new QListWidgetItem(suggestion.label, this);
         item->setData(helpRole, suggestion.help);
         // Widths are rounded, but what is elided is not.
-        labels = std::max(labels, QFontMetrics(m_labelFont).horizontalAdvance(suggestion.label) + 1);
-        helps = std::max(helps, fontMetrics().horizontalAdvance(suggestion.help) + 1);
+        labels = std::max(labels, labelMetrics.horizontalAdvance(suggestion.label) + 1);
+        helps = std::max(helps, helpMetrics.horizontalAdvance(suggestion.help) + 1);
     }
     labels = std::min(labels, greatestLabel);
     static_cast<SuggestionDelegate*>(itemDelegate())->setLabelsWidth(labels);

@@ -4,10 +4,13 @@
 #include "Classes/ExpressionEvaluator/FunctionHelp.h"
 
 #include <QRegularExpression>
+#include <QSet>
 
 namespace {
 
 constexpr qsizetype fewestLetters = 2;
+/// A table may have tens of thousands of columns: whoever looks for a later one types another letter.
+constexpr std::size_t mostColumns = 200;
 constexpr QChar quote = u'"';
 
 bool isOfName(QChar letter) {
@@ -19,11 +22,10 @@ bool isVariable(const QString& name) {
     return variable.match(name).hasMatch();
 }
 
-Suggestion column(const QStringList& names, qsizetype index) {
-    const QString& name = names[index];
+/// The first of columns with equal names is the one that the name means.
+Suggestion column(const QString& name, qsizetype index, bool isFirst) {
     const QString variable = QStringLiteral("c%1").arg(index + 1);
-    const bool isPlain =
-        !name.isEmpty() && !name.contains(quote) && !names.first(index).contains(name, Qt::CaseInsensitive);
+    const bool isPlain = isFirst && !name.isEmpty() && !name.contains(quote);
     const QString quoted = quote + name + quote;
     return {quoted, variable, isPlain ? quoted : variable};
 }
@@ -49,9 +51,15 @@ Suggestions suggestionsFor(const QString& text, qsizetype cursor, const QStringL
     if (!asked && !inQuotes && (typed.size() < fewestLetters || isVariable(typed) || typed[0].isDigit()))
         return found;
 
-    for (qsizetype i = 0; i < columnNames.size(); ++i) {
-        if (columnNames[i].startsWith(typed, Qt::CaseInsensitive))
-            found.list.push_back(column(columnNames, i));
+    // Equal names begin alike, so those that fit are all that need to be compared.
+    QSet<QString> seen;
+    for (qsizetype i = 0; i < columnNames.size() && found.list.size() < mostColumns; ++i) {
+        const QString& name = columnNames[i];
+        if (!name.startsWith(typed, Qt::CaseInsensitive))
+            continue;
+        const QString folded = name.toCaseFolded();
+        found.list.push_back(column(name, i, !seen.contains(folded)));
+        seen.insert(folded);
     }
     if (inQuotes)
         return found;
