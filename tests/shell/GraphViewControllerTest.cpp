@@ -120,6 +120,24 @@ TEST_F(GraphViewControllerTest, stepsOfANumberEndWhereAnotherButtonIsPressed) {
     }
 }
 
+TEST_F(GraphViewControllerTest, theKeyboardStaysInTheListWhenItsRowGoes) {
+    addCurve();
+    addCurve();
+    auto& list = part<CSmartListView>("curvesList");
+    const auto viewOf = [&](std::size_t index) { return list.viewControllers()[index]->view(); };
+    const auto remove = [this] {
+        QTest::keyClick(page().focusWidget(), Qt::Key_Delete, Qt::ControlModifier | Qt::ShiftModifier);
+    };
+    viewOf(1)->findChild<QWidget*>(u"opacityField"_qs)->setFocus();
+    for (const std::size_t next : {1U, 0U}) {
+        remove();
+        ASSERT_EQ(list.viewControllers().size(), next + 1);
+        EXPECT_TRUE(viewOf(next)->isAncestorOf(page().focusWidget())) << next;
+    }
+    remove();
+    EXPECT_TRUE(part("firstCurveButton").hasFocus());
+}
+
 TEST_F(GraphViewControllerTest, toolsFollowThePlotAndThePlotFollowsThem) {
     int told = 0;
     QObject::connect(&controller, &XGraphViewController::commandStatesChanged, &page(), [&] { ++told; });

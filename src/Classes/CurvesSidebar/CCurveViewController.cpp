@@ -349,6 +349,10 @@ std::array<SpinField*, 3> CCurveViewController::numberFields() const {
     return {m_ui->lineWidthField, m_ui->opacityField, m_ui->pointSizeField};
 }
 
+void CCurveViewController::takeFocus() {
+    m_ui->curveName->setFocus(Qt::TabFocusReason);
+}
+
 void CCurveViewController::endBursts() {
     for (SpinField* field : numberFields())
         field->endBurst();

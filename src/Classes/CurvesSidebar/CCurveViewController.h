@@ -54,6 +54,8 @@ class CCurveViewController : public XViewController {
     /// Puts the row's controls after `previous` in the tab order; returns the last of them. Whoever arranges
     /// rows chains them from the top.
     QWidget* chainTabOrderAfter(QWidget* previous);
+    /// Puts the keyboard into the first of the row's controls.
+    void takeFocus();
     /// Steps of a number no longer wait for another: what comes next is a gesture of its own.
     void endBursts();
     /// The row's menu: hide, fold, fold all, remove; it deletes itself when it closes.

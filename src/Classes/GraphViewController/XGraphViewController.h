@@ -102,6 +102,7 @@ class XGraphViewController : public XViewController,
     void setCurves();
     void removeRows();
     void endBursts();
+    void focusRow(std::size_t index);
     void curvesChanged();
     void orderFocus();
     void dataSourcesChanged();

@@ -89,8 +89,13 @@ void XGraphViewController::insertCurveAtIndex(const XCurveHandle& curve, int ind
 }
 
 void XGraphViewController::removeCurveAtIndex(int index) {
+    const std::vector<CCurveViewController*> all = rows();
+    const auto place = static_cast<std::size_t>(index);
+    const bool hadFocus = place < all.size() && all[place]->view()->isAncestorOf(m_view->focusWidget());
     m_ui->curvesList->removeViewControllerAtIndex(index);
     curvesChanged();
+    if (hadFocus)
+        focusRow(place);
     plotView().update();
 }
 
@@ -116,6 +121,16 @@ void XGraphViewController::curveRemoved(const XCurveHandle& curve) {
     endBursts();
     m_document->removeCurve(curve);
     plotView().scene().setCurves(m_document->curves());
+}
+
+/// The row that took the place of one that went, or else what can follow the last of them.
+void XGraphViewController::focusRow(std::size_t index) {
+    if (const std::vector<CCurveViewController*> all = rows(); !all.empty())
+        all[std::min(index, all.size() - 1)]->takeFocus();
+    else if (m_ui->firstCurveButton->isEnabled())
+        m_ui->firstCurveButton->setFocus(Qt::TabFocusReason);
+    else
+        plotView().setFocus(Qt::TabFocusReason);
 }
 
 /// Of the rows: a button that takes no focus has not ended them.
