@@ -57,6 +57,14 @@ TEST_F(MoxDocumentWindowTest, tabsStayInStepWithSourcesWhateverIsUndone) {
     }
 }
 
+TEST_F(MoxDocumentWindowTest, whatPagesTellWhileTheWindowGoesReachesNobody) {
+    MoxDocumentWindow& window = windowWith({u"1"_qs, u"2"_qs});
+    const QPointer<XViewController> second = &pageOf(window, 1);
+    pageOf(window, 0).toldAtTheEnd = second;
+    delete &window;
+    EXPECT_TRUE(second.isNull());
+}
+
 TEST_F(MoxDocumentWindowTest, keptACancelledCloseLetsATabOutliveItsSource) {
     MoxDocumentWindow& window = windowWith({u"1"_qs, u"2"_qs});
     alerts.plan = {1};

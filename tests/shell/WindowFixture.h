@@ -67,7 +67,11 @@ class FakeSourcePage : public FakePage, public PendingEdits {
     explicit FakeSourcePage(XPTextEditor& source) : m_source(source), m_field(new QLineEdit(view())) {
         setTitle(source.textData().value_or(QString()));
     }
-    ~FakeSourcePage() override { EXPECT_FALSE(m_source.pluginName().isEmpty()); }
+    ~FakeSourcePage() override {
+        EXPECT_FALSE(m_source.pluginName().isEmpty());
+        if (toldAtTheEnd != nullptr)
+            toldAtTheEnd->setStatus(QStringLiteral("read"));
+    }
     void commitPendingEdits() override {
         if (!pending.isEmpty())
             m_source.setTitle(std::exchange(pending, {}));
@@ -75,6 +79,7 @@ class FakeSourcePage : public FakePage, public PendingEdits {
     QLineEdit& field() { return *m_field; }
 
     QString pending;
+    QPointer<XViewController> toldAtTheEnd; ///< as the end of background work tells others
 
   private:
     XPTextEditor& m_source;

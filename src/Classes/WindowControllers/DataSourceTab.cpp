@@ -1,5 +1,6 @@
 #include "Classes/WindowControllers/DataSourceTab.h"
 
+#include "EmbeddedPlugins/TextFile/InputFile.h"
 #include "EmbeddedPlugins/TextFile/XPTextFile.h"
 
 #include <QFileInfo>
@@ -45,7 +46,7 @@ void DataSourceTab::sourceChanged(const KeyChange& change) {
     if (file == nullptr || reason.isEmpty())
         return;
     // A file that is gone or closed to us was not begun: its page says so.
-    const QFileInfo info(file->filename());
+    const QFileInfo info(expandedPath(file->filename()));
     if (file->filename().isEmpty() || (info.isFile() && info.isReadable()))
         Q_EMIT readWasGivenUp(reason);
 }

@@ -29,6 +29,7 @@
 #include <QScreen>
 
 #include <algorithm>
+#include <string_view>
 
 using namespace Qt::StringLiterals;
 
@@ -75,6 +76,13 @@ MoxDocumentWindow::~MoxDocumentWindow() {
     delete m_menus; // nobody asks what can be done from here on
     m_document->close();
     m_documents.windowCloses(*this);
+    // Ending what the pages do in the background serves the main thread: what is told meanwhile tells nobody.
+    m_selectedPage.end();
+    m_showLegend.end();
+    for (QXTabBar* bar : {&dataSourcesTabBar(), &graphTabBar()})
+        bar->disconnect(this);
+    for (DataSourceTab* tab : findChildren<DataSourceTab*>())
+        tab->disconnect(this);
     m_graphViewController.reset();
     // Pages refer to the document: they go before it does.
     delete takeCentralWidget();
@@ -408,17 +416,26 @@ void MoxDocumentWindow::newsCame(const QString& news) {
 }
 
 void MoxDocumentWindow::statusChanged(const KeyChange& change) {
-    if (change.oldValue != change.newValue)
+    if (change.oldValue == change.newValue)
+        return;
+    if (change.key == std::string_view("readouts"))
+        updateReadouts();
+    else
         updateStatus();
 }
 
-void MoxDocumentWindow::updateStatus() {
+void MoxDocumentWindow::updateReadouts() {
     const XViewController* page = selectedPage();
-    const bool isEmpty = m_document->dataSourcesManager().dataSources().empty();
     Readouts readouts = page != nullptr ? page->readouts() : Readouts();
     if (isDropTabSelected())
         readouts = {{QString(), tr("Ctrl+V adds text from the clipboard")}};
     statusLine().setReadouts(readouts);
+}
+
+void MoxDocumentWindow::updateStatus() {
+    updateReadouts();
+    const XViewController* page = selectedPage();
+    const bool isEmpty = m_document->dataSourcesManager().dataSources().empty();
     const QString said = isEmpty ? tr("No data source yet") : page != nullptr ? page->status() : QString();
     statusLine().setMessage(!m_dragMessage.isEmpty() ? m_dragMessage : said.isEmpty() ? m_news : said);
 }

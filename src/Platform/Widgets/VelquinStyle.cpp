@@ -131,7 +131,8 @@ void VelquinStyle::polish(QWidget* widget) {
 bool VelquinStyle::eventFilter(QObject* object, QEvent* event) {
     if (event->type() == QEvent::Wheel) {
         const auto* widget = qobject_cast<QWidget*>(object);
-        if (widget != nullptr && !widget->hasFocus()) {
+        // A number is turned where the keyboard is; a choice is made by keys or from its list.
+        if (widget != nullptr && (!widget->hasFocus() || qobject_cast<const QComboBox*>(widget) != nullptr)) {
             event->ignore();
             return true;
         }
