@@ -424,7 +424,7 @@ void MoxDocumentWindow::statusChanged(const KeyChange& change) {
         updateStatus();
 }
 
-void MoxDocumentWindow::updateReadouts() {
+void MoxDocumentWindow::updateReadouts() const {
     const XViewController* page = selectedPage();
     Readouts readouts = page != nullptr ? page->readouts() : Readouts();
     if (isDropTabSelected())

@@ -125,7 +125,7 @@ class MoxDocumentWindow : public QMainWindow,
     void newsCame(const QString& news);
     void updateTitle();
     void updateStatus();
-    void updateReadouts();
+    void updateReadouts() const;
     void statusChanged(const KeyChange& change);
     void askToSave(const Answer& mayGoOn);
     void saveTo(const QString& path, const Answer& saved);
