@@ -13,6 +13,7 @@ velquin_library(sourceviews
     EmbeddedPlugins/TextFile/XPTextFileConfig.h
   SOURCES
     EmbeddedPlugins/Common/NoticeBar.cpp
+    EmbeddedPlugins/Common/PreviewTableDrawing.cpp
     EmbeddedPlugins/Common/PreviewTableView.cpp
     EmbeddedPlugins/Common/SourceNotices.cpp
     EmbeddedPlugins/Common/SourcePage.cpp

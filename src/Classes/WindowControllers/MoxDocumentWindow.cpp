@@ -221,7 +221,7 @@ bool MoxDocumentWindow::tabBarWillCloseTabWithIndex(QXTabBar& bar, int index) {
     if (self == nullptr)
         return false;
     m_document->setDontDeleteTab(true); // Kept: after a cancelled close, too, until the next one that happens
-    m_closingSource = source;
+    m_closingSource = answer == 0 ? source : nullptr;
     return answer == 0;
 }
 

@@ -77,6 +77,8 @@ class PreviewTableView : public QAbstractScrollArea {
     void changeEvent(QEvent* event) override;
 
   private:
+    static constexpr int padding = 10; ///< beside the text of a cell
+
     int rows() const;
     int columns() const;
     void tableChanged();
