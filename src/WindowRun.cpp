@@ -1,8 +1,8 @@
 // The run with windows: opening files, and the rim at which faults of event handlers end.
 #include "WindowRun.h"
 
+#include "ApplicationDelegate.h"
 #include "BatchRun.h"
-#include "Classes/WindowControllers/DocumentController.h"
 #include "Classes/WindowControllers/MoxDocumentWindow.h"
 #include "CommandLine.h"
 #include "DocumentRequest.h"
@@ -87,7 +87,9 @@ bool Application::notify(QObject* receiver, QEvent* event) {
 int runWindows(const CommandLine& line) {
     // Windows that quitting leaves open go while there is an application: their documents end reads and
     // renderings.
-    DocumentController documents;
+    ApplicationDelegate application;
+    application.applicationDidFinishLaunching();
+    DocumentController& documents = application.documents();
     bool anyOpened = false;
     bool wrongUsage = false;
     for (const QString& file : line.files.isEmpty() ? QStringList{QString()} : line.files) {

@@ -12,6 +12,7 @@
 #include "Platform/Core/UserDefaults.h"
 #include "Platform/Widgets/Appearance.h"
 #include "Platform/Widgets/Pictures.h"
+#include "Product.h"
 #include "WindowRun.h"
 
 #include <QApplication>
@@ -120,7 +121,7 @@ int runWithWindows(Arguments& arguments, const CommandLine& line) {
 
 int runProgram(Arguments arguments) {
     QCoreApplication::setApplicationName(QStringLiteral("velquin"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(VELQUIN_VERSION));
+    QCoreApplication::setApplicationVersion(QLatin1String(Product::version));
     const auto parsed = parseCommandLine(arguments.ours);
     if (const auto* wrong = std::get_if<UsageError>(&parsed)) {
         reportFailure({}, wrong->reason + QStringLiteral(" (see velquin --help)"));
@@ -132,7 +133,7 @@ int runProgram(Arguments arguments) {
         return 0;
     }
     if (line.version) {
-        print(QStringLiteral("velquin " VELQUIN_VERSION "\n"));
+        print(QStringLiteral("velquin %1\n").arg(QLatin1String(Product::version)));
         return 0;
     }
     return line.hasOutputs() ? runWithoutWindow(arguments, line) : runWithWindows(arguments, line);

@@ -17,9 +17,10 @@ MAY_USE = {
     "sourceviews": ["model", "widgetkit"],
     "sidebar": ["model", "widgetkit"],
     "shell": ["render", "widgetkit", "sidebar"],
-    "velquin": ["shell", "sourceviews"],
+    "application": ["shell"],
+    "velquin": ["application", "sourceviews"],
 }
-GENERATED = re.compile(r"(^|/)ui_\w+\.h$|\.moc$|(^|/)moc_\w+\.cpp$")
+GENERATED = re.compile(r"(^|/)ui_\w+\.h$|\.moc$|(^|/)moc_\w+\.cpp$|^Product\.h$")
 
 
 def reach(target):

@@ -13,6 +13,7 @@ velquin_library(shell
     Classes/PlotView/XGraphLegendItemView.h
     Classes/PlotView/XPlotView.h
     Classes/PlotView/XVerticalLabel.h
+    Classes/WindowControllers/ApplicationActions.h
     Classes/WindowControllers/DataSourceTab.h
     Classes/WindowControllers/DocumentController.h
     Classes/WindowControllers/EditCommands.h

@@ -8,5 +8,4 @@ add_executable(velquin
   src/WindowRun.cpp
   src/main.cpp)
 set_target_properties(velquin PROPERTIES AUTOMOC ON)
-target_compile_definitions(velquin PRIVATE VELQUIN_VERSION="${PROJECT_VERSION}")
-target_link_libraries(velquin PRIVATE velquin_build_options velquin_shell velquin_sourceviews)
+target_link_libraries(velquin PRIVATE velquin_build_options velquin_application velquin_sourceviews)

@@ -88,6 +88,7 @@ MoxDocumentWindow& DocumentController::showDocument(std::unique_ptr<MoxDocument>
         instead->closeNow();
     if (!file.isEmpty())
         noteRecentDocument(file);
+    Q_EMIT documentShown(*window);
     return *window;
 }
 
@@ -166,13 +167,21 @@ void DocumentController::setMainWindow(MoxDocumentWindow* window) {
         former->document().windowDidResignMain();
     if (m_mainWindow != nullptr)
         m_mainWindow->document().windowDidBecomeMain();
+    Q_EMIT mainWindowChanged(m_mainWindow);
+}
+
+void DocumentController::windowWillClose(MoxDocumentWindow& window) {
+    if (m_windows.contains(&window))
+        Q_EMIT documentWillClose(window);
 }
 
 void DocumentController::windowCloses(MoxDocumentWindow& window) {
     if (m_windows.removeAll(&window) == 0)
         return;
-    if (m_mainWindow == &window)
+    if (m_mainWindow == &window) {
         m_mainWindow = nullptr;
+        Q_EMIT mainWindowChanged(nullptr);
+    }
     if (m_mayClose && !m_mayClose->contains(&window)) // it took its question with it
         m_mayClose.reset();
     m_closedWindows.removeAll(nullptr);

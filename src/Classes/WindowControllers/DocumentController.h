@@ -11,6 +11,7 @@
 #include <optional>
 #include <set>
 
+class ApplicationActions;
 class MoxDocument;
 class MoxDocumentWindow;
 
@@ -27,6 +28,10 @@ class DocumentController : public QObject {
     static QString folderKey();
     /// A reason for an alert: with a capital letter and a full stop.
     static QString asSentence(QString reason);
+
+    /// Null while there is no application around the documents. Not owned.
+    ApplicationActions* application() const { return m_application; }
+    void setApplication(ApplicationActions* application) { m_application = application; }
 
     const QList<MoxDocumentWindow*>& windows() const { return m_windows; }
     /// The document window that is in front, as long as the program is; a dialog or a tool does not change
@@ -56,13 +61,22 @@ class DocumentController : public QObject {
 
     /// For windows alone: another one may be in front; the one in front is announced again if `anew`.
     void mainWindowMayHaveChanged(bool anew = false);
+    void windowWillClose(MoxDocumentWindow& window); ///< its document is still whole
     void windowCloses(MoxDocumentWindow& window);
+
+  Q_SIGNALS:
+    void documentShown(MoxDocumentWindow& window);
+    /// Emitted while the document is still whole; it goes afterwards.
+    void documentWillClose(MoxDocumentWindow& window);
+    /// Another document window is in front; null when none is.
+    void mainWindowChanged(MoxDocumentWindow* window);
 
   private:
     QString untitledName() const;
     void setMainWindow(MoxDocumentWindow* window);
     void askNextToClose();
 
+    ApplicationActions* m_application = nullptr;
     QList<MoxDocumentWindow*> m_windows;
     QList<QPointer<MoxDocumentWindow>> m_closedWindows; ///< wait to be deleted
     MoxDocumentWindow* m_mainWindow = nullptr;

@@ -74,6 +74,7 @@ MoxDocumentWindow::MoxDocumentWindow(DocumentController& documents, std::unique_
 
 MoxDocumentWindow::~MoxDocumentWindow() {
     delete m_menus; // nobody asks what can be done from here on
+    m_documents.windowWillClose(*this);
     m_document->close();
     m_documents.windowCloses(*this);
     // Ending what the pages do in the background serves the main thread: what is told meanwhile tells nobody.

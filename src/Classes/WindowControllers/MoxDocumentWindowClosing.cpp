@@ -185,6 +185,7 @@ void MoxDocumentWindow::closeEvent(QCloseEvent* event) {
     event->setAccepted(m_mayClose);
     if (!m_mayClose)
         return;
+    m_documents.windowWillClose(*this);
     m_document->close();
     m_documents.windowCloses(*this);
 }
