@@ -13,27 +13,51 @@ namespace {
 
 FilePanels* thePanels = nullptr;
 
+using Purpose = FilePanel::Purpose;
+
+QFileDialog::FileMode fileModeOf(Purpose purpose) {
+    switch (purpose) {
+    case Purpose::OpenOne:
+        return QFileDialog::ExistingFile;
+    case Purpose::OpenSeveral:
+        return QFileDialog::ExistingFiles;
+    case Purpose::ChooseFolder:
+        return QFileDialog::Directory;
+    case Purpose::Save:
+        break;
+    }
+    return QFileDialog::AnyFile;
+}
+
+QString firstFolderOf(const FilePanel& panel) {
+    const QString remembered =
+        panel.folderKey.isEmpty() ? QString() : UserDefaults::standard().string(panel.folderKey);
+    for (const QString& folder : {remembered, panel.startFolder})
+        if (!folder.isEmpty() && QFileInfo(folder).isDir())
+            return folder;
+    return QDir::homePath();
+}
+
 class DialogPanels : public FilePanels {
   public:
     void choose(QWidget* window, const FilePanel& panel, Chosen chosen) override {
         auto* dialog = new QFileDialog(window, panel.title);
         dialog->setAttribute(Qt::WA_DeleteOnClose);
-        const bool saves = panel.purpose == FilePanel::Purpose::Save;
-        dialog->setAcceptMode(saves ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-        dialog->setFileMode(saves                                          ? QFileDialog::AnyFile
-                            : panel.purpose == FilePanel::Purpose::OpenOne ? QFileDialog::ExistingFile
-                                                                           : QFileDialog::ExistingFiles);
+        dialog->setAcceptMode(panel.purpose == Purpose::Save ? QFileDialog::AcceptSave
+                                                             : QFileDialog::AcceptOpen);
+        dialog->setFileMode(fileModeOf(panel.purpose));
+        if (panel.purpose == Purpose::ChooseFolder)
+            dialog->setOption(QFileDialog::ShowDirsOnly);
         dialog->setNameFilters(panel.filters);
         dialog->setDefaultSuffix(panel.defaultSuffix);
-        const QString remembered = UserDefaults::standard().string(panel.folderKey);
-        dialog->setDirectory(QFileInfo(remembered).isDir() ? remembered : QDir::homePath());
+        dialog->setDirectory(firstFolderOf(panel));
         if (!panel.proposedName.isEmpty())
             dialog->selectFile(panel.proposedName);
         QObject::connect(dialog, &QDialog::finished, dialog,
                          [dialog, key = panel.folderKey, chosen = std::move(chosen)](int result) {
                              const QStringList paths =
                                  result == QDialog::Accepted ? dialog->selectedFiles() : QStringList();
-                             if (!paths.isEmpty())
+                             if (!paths.isEmpty() && !key.isEmpty())
                                  UserDefaults::standard().set(key, QFileInfo(paths.first()).absolutePath());
                              chosen(paths);
                          });

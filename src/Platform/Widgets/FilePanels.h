@@ -1,4 +1,4 @@
-// The panels in which a user chooses files.
+// The panels in which a user chooses files or a folder.
 #pragma once
 
 #include <QString>
@@ -9,12 +9,13 @@
 class QWidget;
 
 struct FilePanel {
-    enum class Purpose { OpenOne, OpenSeveral, Save };
+    enum class Purpose { OpenOne, OpenSeveral, Save, ChooseFolder };
 
     Purpose purpose;
     QString title;
     QStringList filters;   ///< as the toolkit writes them: "Documents (*.mox)"
-    QString folderKey;     ///< the user default that remembers the folder
+    QString folderKey;     ///< the user default that remembers where the panel was; empty remembers nothing
+    QString startFolder;   ///< where it opens while nothing is remembered; empty for the home folder
     QString proposedName;  ///< of a file to save
     QString defaultSuffix; ///< without its point; added to a name that has none
 };
