@@ -13,11 +13,11 @@ struct FilePanel {
 
     Purpose purpose;
     QString title;
-    QStringList filters;   ///< as the toolkit writes them: "Documents (*.mox)"
-    QString folderKey;     ///< the user default that remembers where the panel was; empty remembers nothing
-    QString startFolder;   ///< where it opens while nothing is remembered; empty for the home folder
-    QString proposedName;  ///< of a file to save
-    QString defaultSuffix; ///< without its point; added to a name that has none
+    QStringList filters = {}; ///< as the toolkit writes them: "Documents (*.mox)"
+    QString folderKey; ///< the user default that remembers where the panel was; empty remembers nothing
+    QString startFolder = {};   ///< where it opens while nothing is remembered; empty for the home folder
+    QString proposedName = {};  ///< of a file to save
+    QString defaultSuffix = {}; ///< without its point; added to a name that has none
 };
 
 /// How file panels reach the user. Main thread.
