@@ -41,11 +41,26 @@ TEST(UserDefaults, valuesOutliveTheProcessInTheFile) {
     EXPECT_EQ(UserDefaults(file).integer(u"Max"_qs), 7);
 }
 
+TEST(UserDefaults, observersSeeWhatIsStored) {
+    const support::ScratchFolder folder;
+    UserDefaults defaults(folder.path(u"velquin.conf"_qs));
+    QStringList seen;
+    QObject::connect(&defaults, &UserDefaults::changed, &defaults,
+                     [&](const QString& key) { seen += key + u"="_qs + defaults.string(key); });
+    defaults.set(u"Type"_qs, 2);
+    defaults.set(u"Type"_qs, 2); // an equal value is news, too
+    defaults.remove(u"Type"_qs);
+    defaults.useMemoryStore();
+    defaults.set(u"Dir"_qs, u"/x"_qs);
+    EXPECT_EQ(seen, (QStringList{u"Type=2"_qs, u"Type=2"_qs, u"Type="_qs, u"Dir=/x"_qs}));
+}
+
 TEST(UserDefaults, aReadOnlyProcessLeavesNoFile) {
     const support::ScratchFolder folder;
     {
         UserDefaults defaults(folder.path(u"velquin.conf"_qs));
         defaults.setReadOnly(true);
+        QObject::connect(&defaults, &UserDefaults::changed, [] { ADD_FAILURE() << "nothing was stored"; });
         defaults.set(u"Max"_qs, 8);
         EXPECT_FALSE(defaults.contains(u"Max"_qs));
     }

@@ -55,6 +55,7 @@ void UserDefaults::set(const QString& key, const QVariant& value) {
         m_memory->insert(key, value);
     else
         file().setValue(key, value);
+    Q_EMIT changed(key);
 }
 
 void UserDefaults::remove(const QString& key) {
@@ -64,4 +65,5 @@ void UserDefaults::remove(const QString& key) {
         m_memory->remove(key);
     else
         file().remove(key);
+    Q_EMIT changed(key);
 }

@@ -1,6 +1,7 @@
 // The user's settings that outlive a document.
 #pragma once
 
+#include <QObject>
 #include <QSettings>
 #include <QString>
 #include <QStringList>
@@ -10,7 +11,9 @@
 #include <optional>
 
 /// The process-wide user defaults: a settings file of the user, or a store in memory (tests). Main thread.
-class UserDefaults {
+class UserDefaults : public QObject {
+    Q_OBJECT
+
   public:
     /// The user's own, in velquin/velquin.conf below the folder for settings (XDG_CONFIG_HOME).
     static UserDefaults& standard();
@@ -29,6 +32,10 @@ class UserDefaults {
     bool contains(const QString& key) const;
     void set(const QString& key, const QVariant& value);
     void remove(const QString& key);
+
+  Q_SIGNALS:
+    /// Emitted after each value that this process stored or removed, equal ones included.
+    void changed(const QString& key);
 
   private:
     QSettings& file() const;
