@@ -13,6 +13,7 @@ velquin_library(platform
     Platform/Core/PendingEdits.h
     Platform/Core/PropertyList.h
     Platform/Core/PropertyListFormats.h
+    Platform/Core/PlacedFile.h
     Platform/Core/UndoManager.h
     Platform/Core/UserDefaults.h
     Platform/Core/WholeWrite.h
@@ -30,6 +31,7 @@ velquin_library(platform
     Platform/Core/PropertyList.cpp
     Platform/Core/PropertyListBinary.cpp
     Platform/Core/PropertyListFile.cpp
+    Platform/Core/PlacedFile.cpp
     Platform/Core/PropertyListXml.cpp
     Platform/Core/UndoManager.cpp
     Platform/Core/UserDefaults.cpp

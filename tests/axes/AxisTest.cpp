@@ -263,11 +263,16 @@ TEST(XAxisManager, namesTheKindsInTheirOrder) {
 }
 
 TEST(XAxis, dumpsItsMarksAsSourceText) {
+    const support::ScratchFolder folder;
+    const QString planted = folder.write(QStringLiteral("planted"), "precious");
+    const QString path = QStringLiteral("/tmp/axis_0.000000_1.000000_170px.h");
+    QFile::remove(path);
+    ASSERT_TRUE(QFile::link(planted, path)); // nobody redirects it
     XAxis axis;
     set(axis, {0, 1, 170}).dumpTestInfo();
-    const QString path = QStringLiteral("/tmp/axis_0.000000_1.000000_170px.h");
     const QByteArray text = support::ScratchFolder::read(path);
     EXPECT_TRUE(QFile::remove(path));
+    EXPECT_EQ(support::ScratchFolder::read(planted), "precious");
     EXPECT_TRUE(text.startsWith("@{@\"length\": @170, @\"max\": @1, @\"min\": @0, @\"ticks\": @["))
         << text.constData();
     // A minor mark has no title entry.

@@ -4,8 +4,8 @@
 #include "Classes/ValueEncodings/LiteralDump.h"
 #include "Core/ClampToInt.h"
 #include "Core/NumberText.h"
+#include "Platform/Core/PlacedFile.h"
 
-#include <QFile>
 #include <QVariantMap>
 
 #include <cmath>
@@ -233,7 +233,8 @@ void XAxis::dumpTestInfo() const {
                            {QStringLiteral("max"), m_maxValue},
                            {QStringLiteral("length"), m_pixelLength},
                            {QStringLiteral("ticks"), marks}};
-    QFile file(QString::asprintf("/tmp/axis_%f_%f_%dpx.h", m_minValue, m_maxValue, m_pixelLength));
-    if (file.open(QIODevice::WriteOnly)) // a diagnostic: a failure is ignored
-        file.write((LiteralDump::objcRepresentation(info) + QStringLiteral("\n\n")).toUtf8());
+    // A diagnostic: a failure is ignored.
+    PlacedFile::writeInSharedFolder(
+        QString::asprintf("/tmp/axis_%f_%f_%dpx.h", m_minValue, m_maxValue, m_pixelLength),
+        (LiteralDump::objcRepresentation(info) + QStringLiteral("\n\n")).toUtf8());
 }
