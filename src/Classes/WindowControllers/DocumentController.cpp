@@ -151,8 +151,7 @@ void DocumentController::clearRecentDocuments() const {
 // --------------------------------------------------------------------------------------------------
 
 void DocumentController::mainWindowMayHaveChanged(bool anew) {
-    QWidget* active = QApplication::activeWindow();
-    if (auto* window = qobject_cast<MoxDocumentWindow*>(active))
+    if (auto* window = qobject_cast<MoxDocumentWindow*>(QApplication::activeWindow()))
         setMainWindow(window);
     else if (active == nullptr)
         setMainWindow(nullptr);
@@ -165,7 +164,9 @@ void DocumentController::setMainWindow(MoxDocumentWindow* window) {
         return;
     if (MoxDocumentWindow* former = std::exchange(m_mainWindow, window))
         former->document().windowDidResignMain();
-    if (m_mainWindow != nullptr)
+    if (m_mainWindow != nullptr) {
+        m_frontOrder.removeAll(m_mainWindow);
+        m_frontOrder.append(m_mainWindow);
         m_mainWindow->document().windowDidBecomeMain();
     Q_EMIT mainWindowChanged(m_mainWindow);
 }
@@ -179,8 +180,11 @@ void DocumentController::windowCloses(MoxDocumentWindow& window) {
     if (m_windows.removeAll(&window) == 0)
         return;
     if (m_mainWindow == &window) {
-        m_mainWindow = nullptr;
-        Q_EMIT mainWindowChanged(nullptr);
+        m_mainWindow = nullptr; // it has told already that it closes
+        if (m_frontOrder.isEmpty())
+            Q_EMIT mainWindowChanged(nullptr);
+        else
+            setMainWindow(m_frontOrder.last());
     }
     if (m_mayClose && !m_mayClose->contains(&window)) // it took its question with it
         m_mayClose.reset();
@@ -191,6 +195,7 @@ void DocumentController::windowCloses(MoxDocumentWindow& window) {
 void DocumentController::quit() {
     if (m_mayClose)
         return;
+    m_frontOrder.removeAll(&window);
     m_mayClose.emplace();
     askNextToClose();
 }

@@ -34,8 +34,8 @@ class DocumentController : public QObject {
     void setApplication(ApplicationActions* application) { m_application = application; }
 
     const QList<MoxDocumentWindow*>& windows() const { return m_windows; }
-    /// The document window that is in front, as long as the program is; a dialog or a tool does not change
-    /// it. Null when there is none.
+    /// The document window that is or was in front last: dialogs, tools and other programs do not change it.
+    /// Null when there is none.
     MoxDocumentWindow* mainWindow() const { return m_mainWindow; }
     /// The window of that file's document, if it is open.
     MoxDocumentWindow* windowOfFile(const QString& path) const;
@@ -82,3 +82,4 @@ class DocumentController : public QObject {
     MoxDocumentWindow* m_mainWindow = nullptr;
     std::optional<std::set<const MoxDocumentWindow*>> m_mayClose; ///< while quitting: who has answered
 };
+    QList<MoxDocumentWindow*> m_frontOrder;             ///< those that were in front, the latest last
