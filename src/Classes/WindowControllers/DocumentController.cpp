@@ -153,8 +153,6 @@ void DocumentController::clearRecentDocuments() const {
 void DocumentController::mainWindowMayHaveChanged(bool anew) {
     if (auto* window = qobject_cast<MoxDocumentWindow*>(QApplication::activeWindow()))
         setMainWindow(window);
-    else if (active == nullptr)
-        setMainWindow(nullptr);
     if (anew && m_mainWindow != nullptr)
         m_mainWindow->document().windowDidBecomeMain();
 }
@@ -168,6 +166,7 @@ void DocumentController::setMainWindow(MoxDocumentWindow* window) {
         m_frontOrder.removeAll(m_mainWindow);
         m_frontOrder.append(m_mainWindow);
         m_mainWindow->document().windowDidBecomeMain();
+    }
     Q_EMIT mainWindowChanged(m_mainWindow);
 }
 
@@ -179,6 +178,7 @@ void DocumentController::windowWillClose(MoxDocumentWindow& window) {
 void DocumentController::windowCloses(MoxDocumentWindow& window) {
     if (m_windows.removeAll(&window) == 0)
         return;
+    m_frontOrder.removeAll(&window);
     if (m_mainWindow == &window) {
         m_mainWindow = nullptr; // it has told already that it closes
         if (m_frontOrder.isEmpty())
@@ -195,7 +195,6 @@ void DocumentController::windowCloses(MoxDocumentWindow& window) {
 void DocumentController::quit() {
     if (m_mayClose)
         return;
-    m_frontOrder.removeAll(&window);
     m_mayClose.emplace();
     askNextToClose();
 }

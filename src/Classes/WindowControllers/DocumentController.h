@@ -79,7 +79,7 @@ class DocumentController : public QObject {
     ApplicationActions* m_application = nullptr;
     QList<MoxDocumentWindow*> m_windows;
     QList<QPointer<MoxDocumentWindow>> m_closedWindows; ///< wait to be deleted
+    QList<MoxDocumentWindow*> m_frontOrder;             ///< those that were in front, the latest last
     MoxDocumentWindow* m_mainWindow = nullptr;
     std::optional<std::set<const MoxDocumentWindow*>> m_mayClose; ///< while quitting: who has answered
 };
-    QList<MoxDocumentWindow*> m_frontOrder;             ///< those that were in front, the latest last
