@@ -6,7 +6,9 @@
 #include "Classes/DataSourcesManager/XDataSourcesManager.h"
 #include "Classes/PlotModel/DocumentFile.h"
 #include "Classes/PlotModel/XCurve.h"
+#include "Platform/Core/FileFingerprint.h"
 #include "Platform/Core/Observable.h"
+#include "Platform/Core/PropertyList.h"
 #include "Platform/Core/UndoManager.h"
 
 #include <QDateTime>
@@ -23,6 +25,14 @@ class DocumentWindow;
 
 using XCurves = QList<XCurveHandle>;
 using XAxisKind = const XAxisInfo*; ///< an entry of the axis registry, which lives for ever
+
+/// A document's content apart from its file, with what ties it to that.
+struct UnsavedDocument {
+    QVariantMap plist;
+    QString filePath;                      ///< empty for one that never had a file
+    std::optional<FileFingerprint> onDisk; ///< what that file held when it was last read or written
+    QDateTime editedSince;
+};
 
 /// Reads and writes the document file, keeps the undo history and the edited mark. Main thread. Works without
 /// a window; what the window must show goes through `DocumentWindow`.
@@ -71,6 +81,20 @@ class MoxDocument : public Observable {
     std::optional<QString> readFromURL(const QString& path);
     /// Writes the file atomically. On failure returns the reason; the old file and the edited mark stay.
     std::optional<QString> writeToURL(const QString& path);
+    /// As above, but leaves the file alone that somebody else changed since it was read or written here.
+    struct Saving {
+        enum class Outcome { Saved, ChangedOnDisk, Failed };
+        Outcome outcome;
+        QString reason; ///< of a failure
+    };
+    Saving saveUnlessChanged();
+
+    /// What would be lost now.
+    UnsavedDocument unsaved() const;
+    /// Takes what was kept of another document into this fresh one: edited, without history. On failure
+    /// returns the reason and leaves the document closed.
+    std::optional<QString> restore(const UnsavedDocument& kept);
+
     /// The file the document was read from or written to; empty for a new one.
     const QString& filePath() const { return m_filePath; }
     QVariantMap plist() const;
@@ -127,6 +151,8 @@ class MoxDocument : public Observable {
     void stopObservingPlugin(const XDataSource& plugin);
     template <class Object>
     void observeForUndo(const std::shared_ptr<Object>& object, std::span<const char* const> keys);
+    std::optional<QString> loadOrClose(const QVariant& root);
+    std::optional<QString> write(const QString& path, const PropertyList::LastWord& lastWord);
     PlotAreaOptions plotAreaOptions() const;
     void applyPlotAreaOptions(const PlotAreaOptions& options);
     void updateChangeCount();
@@ -139,6 +165,7 @@ class MoxDocument : public Observable {
     std::map<const Observable*, Observation> m_contentObservations;
     Observation m_ownObservation;
     QString m_filePath;
+    std::optional<FileFingerprint> m_onDisk; ///< what the file held then
     std::optional<QDateTime> m_editedSince;
     bool m_dontDeleteTab = false;
     bool m_changedWithoutUndo = false;

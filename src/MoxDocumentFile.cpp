@@ -54,19 +54,23 @@ std::optional<QString> MoxDocument::readFromURL(const QString& path) {
     if (!content.error.isEmpty())
         return content.error;
     const PropertyList::ReadResult parsed = PropertyList::read(content.bytes);
-    const bool isDictionary = parsed.value && parsed.value->typeId() == QMetaType::QVariantMap;
+    if (const auto reason = loadOrClose(parsed.value.value_or(QVariant())))
+        return u"it is not a document: "_qs + (parsed.value ? *reason : parsed.error);
+    m_filePath = path;
+    m_onDisk = FileFingerprint::of(content.bytes);
+    return std::nullopt;
+}
+
+std::optional<QString> MoxDocument::loadOrClose(const QVariant& root) {
+    const bool isDictionary = root.typeId() == QMetaType::QVariantMap;
     const AssertionScope scope(AssertionPolicy::Throw);
     try {
         xAssert(isDictionary, "handle readFromURL failures!");
-        loadFromPlist(*parsed.value);
+        loadFromPlist(root);
     } catch (const AssertionFailure& failure) {
         close(); // ends the reads that the data sources have begun
-        const QString reason = isDictionary   ? textOf(failure)
-                               : parsed.value ? u"its root is not a dictionary"_qs
-                                              : parsed.error;
-        return u"it is not a document: "_qs + reason;
+        return isDictionary ? textOf(failure) : u"its root is not a dictionary"_qs;
     }
-    m_filePath = path;
     return std::nullopt;
 }
 
@@ -92,12 +96,46 @@ void MoxDocument::loadFromPlist(const QVariant& root) {
 }
 
 std::optional<QString> MoxDocument::writeToURL(const QString& path) {
-    if (const auto failed = PropertyList::writeAtomically(path, PropertyList::writeXml(plist())))
+    return write(path, {});
+}
+
+MoxDocument::Saving MoxDocument::saveUnlessChanged() {
+    bool changed = false;
+    const auto unlessChanged = [&](int) -> std::optional<PropertyList::FileError> {
+        // A file that is gone is written again: nothing is there that could be lost, and somebody who moved
+        // it away keeps what was moved.
+        changed = m_onDisk && changeSince(*m_onDisk, m_filePath) == FileChange::Changed;
+        return changed ? std::optional(PropertyList::FileError{}) : std::nullopt;
+    };
+    const std::optional<QString> failure = write(m_filePath, unlessChanged);
+    if (changed)
+        return {Saving::Outcome::ChangedOnDisk, {}};
+    return {failure ? Saving::Outcome::Failed : Saving::Outcome::Saved, failure.value_or(QString())};
+}
+
+std::optional<QString> MoxDocument::write(const QString& path, const PropertyList::LastWord& lastWord) {
+    const QByteArray bytes = PropertyList::writeXml(plist());
+    if (const auto failed = PropertyList::writeAtomically(path, bytes, lastWord))
         return failed->reason;
     m_filePath = path;
+    m_onDisk = FileFingerprint::of(bytes);
     m_changedWithoutUndo = false;
     m_undoManager.setClean();
     Q_EMIT editedChanged();
+    return std::nullopt;
+}
+
+UnsavedDocument MoxDocument::unsaved() const {
+    return {plist(), m_filePath, m_onDisk, m_editedSince.value_or(QDateTime::currentDateTime())};
+}
+
+std::optional<QString> MoxDocument::restore(const UnsavedDocument& kept) {
+    if (const auto reason = loadOrClose(kept.plist))
+        return reason;
+    m_filePath = kept.filePath;
+    m_onDisk = kept.onDisk;
+    m_editedSince = kept.editedSince;
+    updateChangeCount();
     return std::nullopt;
 }
 

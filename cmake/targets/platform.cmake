@@ -4,6 +4,8 @@ velquin_library(platform
     Classes/ValueEncodings/LiteralDump.h
     Classes/ValueEncodings/XKeyValue.h
     Classes/ValueEncodings/XUtility.h
+    Platform/Core/FileDescriptor.h
+    Platform/Core/FileFingerprint.h
     Platform/Core/FreeMemory.h
     Platform/Core/Log.h
     Platform/Core/MainThread.h
@@ -22,6 +24,7 @@ velquin_library(platform
     Classes/ValueEncodings/LiteralDump.cpp
     Classes/ValueEncodings/XKeyValue.cpp
     Classes/ValueEncodings/XUtility.cpp
+    Platform/Core/FileFingerprint.cpp
     Platform/Core/FreeMemory.cpp
     Platform/Core/Log.cpp
     Platform/Core/MainThread.cpp

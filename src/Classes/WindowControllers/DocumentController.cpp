@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QFileInfo>
+#include <QLocale>
 
 #include <algorithm>
 #include <utility>
@@ -49,6 +50,19 @@ QString DocumentController::asSentence(QString reason) {
     if (!reason.isEmpty())
         reason[0] = reason[0].toUpper();
     return reason.endsWith(u'.') ? reason : reason + u'.';
+}
+
+QString DocumentController::timeOf(const QDateTime& moment) {
+    const QLocale locale;
+    const bool today = moment.date() == QDate::currentDate();
+    const QString format =
+        today ? locale.timeFormat(QLocale::ShortFormat) : locale.dateTimeFormat(QLocale::ShortFormat);
+    return locale.toString(moment, QString(format).remove(u":ss"_qs));
+}
+
+void DocumentController::tellNotOpened(QWidget* from, const QString& path, const QString& reason) {
+    Alerts::shared().tell(from, tr("“%1” cannot be opened.").arg(QFileInfo(path).fileName()),
+                          asSentence(reason));
 }
 
 MoxDocumentWindow* DocumentController::windowOfFile(const QString& path) const {

@@ -1,6 +1,7 @@
 // The open documents: making and opening them, the recent ones, quitting.
 #pragma once
 
+#include <QDateTime>
 #include <QList>
 #include <QObject>
 #include <QPointer>
@@ -28,6 +29,8 @@ class DocumentController : public QObject {
     static QString folderKey();
     /// A reason for an alert: with a capital letter and a full stop.
     static QString asSentence(QString reason);
+    /// "14:02", with the day in front when that was not today.
+    static QString timeOf(const QDateTime& moment);
 
     /// Null while there is no application around the documents. Not owned.
     ApplicationActions* application() const { return m_application; }

@@ -129,6 +129,8 @@ class MoxDocumentWindow : public QMainWindow,
     void statusChanged(const KeyChange& change);
     void askToSave(const Answer& mayGoOn);
     void saveTo(const QString& path, const Answer& saved);
+    void askToOverwrite(const Answer& saved);
+    void tellNotSaved(const QString& path, const QString& reason, const Answer& saved);
 
     DocumentController& m_documents;
     std::unique_ptr<MoxDocument> m_document;

@@ -13,20 +13,10 @@
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QFileInfo>
-#include <QLocale>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// "14:02", with the day in front when that was not today.
-QString timeOf(const QDateTime& moment) {
-    const QLocale locale;
-    const bool today = moment.date() == QDate::currentDate();
-    const QString format =
-        today ? locale.timeFormat(QLocale::ShortFormat) : locale.dateTimeFormat(QLocale::ShortFormat);
-    return locale.toString(moment, QString(format).remove(u":ss"_qs));
-}
 
 void tell(const MoxDocumentWindow::Answer& answer, bool value) {
     if (answer)
@@ -71,10 +61,43 @@ void MoxDocumentWindow::commitPendingEdits() {
 
 void MoxDocumentWindow::save(const Answer& saved) {
     commitPendingEdits();
-    if (m_document->filePath().isEmpty())
+    if (m_document->filePath().isEmpty()) {
         saveAs(saved);
-    else
-        saveTo(m_document->filePath(), saved);
+        return;
+    }
+    const MoxDocument::Saving saving = m_document->saveUnlessChanged();
+    switch (saving.outcome) {
+    case MoxDocument::Saving::Outcome::Saved:
+        m_documents.noteRecentDocument(m_document->filePath());
+        tell(saved, true);
+        break;
+    case MoxDocument::Saving::Outcome::ChangedOnDisk:
+        askToOverwrite(saved);
+        break;
+    case MoxDocument::Saving::Outcome::Failed:
+        tellNotSaved(m_document->filePath(), saving.reason, saved);
+        break;
+    }
+}
+
+void MoxDocumentWindow::askToOverwrite(const Answer& saved) {
+    Alerts::shared().ask(
+        this,
+        {Alert::Kind::Question,
+         tr("“%1” was changed by another program.").arg(documentName()),
+         tr("Overwriting the file loses what the other program wrote. So far it is as that program left it; "
+            "your changes are still open here."),
+         {{tr("Save As…"), Alert::Role::Accept},
+          {tr("Overwrite"), Alert::Role::Destructive},
+          {tr("Cancel"), Alert::Role::Cancel}}},
+        [this, saved](int button) {
+            if (button == 0)
+                saveAs(saved);
+            else if (button == 1)
+                saveTo(m_document->filePath(), saved);
+            else
+                tell(saved, false);
+        });
 }
 
 void MoxDocumentWindow::saveAs(const Answer& saved) {
@@ -96,23 +119,26 @@ void MoxDocumentWindow::saveAs(const Answer& saved) {
 }
 
 void MoxDocumentWindow::saveTo(const QString& path, const Answer& saved) {
-    const bool wasThere = QFileInfo::exists(path);
     const MoxDocumentWindow* other = m_documents.windowOfFile(path);
     const bool isTaken = other != nullptr && other != this;
     const std::optional<QString> failure =
         isTaken ? tr("it is open in another window") : m_document->writeToURL(path);
-    if (!failure) {
-        m_documents.noteRecentDocument(path);
-        tell(saved, true);
+    if (failure) {
+        tellNotSaved(path, *failure, saved);
         return;
     }
-    const QString stays = wasThere
+    m_documents.noteRecentDocument(path);
+    tell(saved, true);
+}
+
+void MoxDocumentWindow::tellNotSaved(const QString& path, const QString& reason, const Answer& saved) {
+    const QString stays = QFileInfo::exists(path)
                               ? tr("The document on the disk is as it was; your changes are still open here.")
                               : tr("Your changes are still open here.");
     Alerts::shared().ask(this,
                          {Alert::Kind::Fault,
                           tr("“%1” was not saved.").arg(QFileInfo(path).fileName()),
-                          DocumentController::asSentence(*failure) + u' ' + stays,
+                          DocumentController::asSentence(reason) + u' ' + stays,
                           {{tr("OK"), Alert::Role::Cancel}, {tr("Save As…"), Alert::Role::Other}}},
                          [this, saved](int button) {
                              if (button == 1)
@@ -144,20 +170,21 @@ void MoxDocumentWindow::askToSave(const Answer& mayGoOn) {
     m_isAsking = true;
     bringToFront();
     const QDateTime since = m_document->editedSince().value_or(QDateTime::currentDateTime());
-    Alerts::shared().ask(this,
-                         {Alert::Kind::Question,
-                          tr("Save changes to “%1”?").arg(documentName()),
-                          tr("Without saving, your changes since %1 are lost.").arg(timeOf(since)),
-                          {{tr("Save"), Alert::Role::Accept},
-                           {tr("Discard"), Alert::Role::Destructive},
-                           {tr("Cancel"), Alert::Role::Cancel}}},
-                         [this, mayGoOn](int button) {
-                             m_isAsking = false;
-                             if (button == 0)
-                                 save(mayGoOn);
-                             else
-                                 tell(mayGoOn, button == 1);
-                         });
+    Alerts::shared().ask(
+        this,
+        {Alert::Kind::Question,
+         tr("Save changes to “%1”?").arg(documentName()),
+         tr("Without saving, your changes since %1 are lost.").arg(DocumentController::timeOf(since)),
+         {{tr("Save"), Alert::Role::Accept},
+          {tr("Discard"), Alert::Role::Destructive},
+          {tr("Cancel"), Alert::Role::Cancel}}},
+        [this, mayGoOn](int button) {
+            m_isAsking = false;
+            if (button == 0)
+                save(mayGoOn);
+            else
+                tell(mayGoOn, button == 1);
+        });
 }
 
 void MoxDocumentWindow::bringToFront() {

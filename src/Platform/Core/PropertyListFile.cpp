@@ -1,4 +1,5 @@
 // Replaces a file in one step: a temporary file beside it, synced, then renamed over it.
+#include "Platform/Core/FileDescriptor.h"
 #include "Platform/Core/PropertyList.h"
 
 #include <QFile>
@@ -13,35 +14,10 @@
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
-#include <utility>
 
 namespace {
 
 using std::filesystem::path;
-
-[[noreturn]] void failWithErrno() {
-    throw std::system_error(errno, std::generic_category());
-}
-
-class FileDescriptor {
-  public:
-    explicit FileDescriptor(int descriptor) : m_descriptor(descriptor) {}
-    ~FileDescriptor() {
-        if (m_descriptor >= 0)
-            ::close(m_descriptor);
-    }
-    FileDescriptor(const FileDescriptor&) = delete;
-    FileDescriptor& operator=(const FileDescriptor&) = delete;
-
-    int get() const { return m_descriptor; }
-    void close() {
-        if (::close(std::exchange(m_descriptor, -1)) != 0) // network file systems report a full disk here
-            failWithErrno();
-    }
-
-  private:
-    int m_descriptor;
-};
 
 /// Removes the temporary file unless it became the real one.
 struct StrayFile {
@@ -85,13 +61,15 @@ void writeAll(int descriptor, std::string_view bytes) {
     }
 }
 
-void replaceFile(const path& target, std::string_view bytes) {
+/// Absent once the file stands.
+std::optional<PropertyList::FileError> replaceFile(const path& target, std::string_view bytes,
+                                                   const PropertyList::LastWord& lastWord, mode_t modeOfNew) {
     const std::optional<mode_t> mode = modeOfReplaced(target);
     const path folder = target.has_parent_path() ? target.parent_path() : path(".");
     const path temporaryName =
-        folder / (".velquin-" + std::to_string(QRandomGenerator::global()->generate64()));
-    FileDescriptor file(::open(temporaryName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-    if (file.get() < 0)
+        folder / (PropertyList::temporaryPrefix + std::to_string(QRandomGenerator::global()->generate64()));
+    FileDescriptor file(::open(temporaryName.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, modeOfNew));
+    if (!file.isOpen())
         failWithErrno();
     StrayFile stray{temporaryName};
     if (mode && ::fchmod(file.get(), *mode) != 0)
@@ -99,26 +77,32 @@ void replaceFile(const path& target, std::string_view bytes) {
     writeAll(file.get(), bytes);
     if (::fsync(file.get()) != 0)
         failWithErrno();
+    if (lastWord) {
+        if (auto refused = lastWord(file.get()))
+            return refused;
+    }
     file.close();
     if (::rename(temporaryName.c_str(), target.c_str()) != 0)
         failWithErrno();
     stray.name.clear();
     // The new file stands; that its name is not on the disk yet is no reason to call it failed.
     const FileDescriptor folderHandle(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folderHandle.get() >= 0)
+    if (folderHandle.isOpen())
         ::fsync(folderHandle.get());
+    return std::nullopt;
 }
 
 } // namespace
 
 std::optional<PropertyList::FileError> PropertyList::writeAtomically(const QString& path,
-                                                                     const QByteArray& bytes) {
+                                                                     const QByteArray& bytes,
+                                                                     const LastWord& lastWord,
+                                                                     unsigned mode) {
     try {
         const QByteArray name = QFile::encodeName(path);
-        replaceFile(withLinksFollowed(name.toStdString()),
-                    {bytes.constData(), static_cast<std::size_t>(bytes.size())});
+        return replaceFile(withLinksFollowed(name.toStdString()),
+                           {bytes.constData(), static_cast<std::size_t>(bytes.size())}, lastWord, mode);
     } catch (const std::system_error& failure) {
         return FileError{QString::fromLocal8Bit(failure.code().message().c_str())};
     }
-    return std::nullopt;
 }
