@@ -135,7 +135,7 @@ void DocumentController::openFile(const QString& path, MoxDocumentWindow* from) 
         return;
     }
     if (const std::optional<QString> reason = document->readFromURL(file.absoluteFilePath())) {
-        Alerts::shared().tell(from, tr("“%1” cannot be opened.").arg(file.fileName()), asSentence(*reason));
+        tellNotOpened(from, path, *reason);
         return;
     }
     showDocument(std::move(document), {}, from);

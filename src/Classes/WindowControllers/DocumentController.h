@@ -15,6 +15,7 @@
 class ApplicationActions;
 class MoxDocument;
 class MoxDocumentWindow;
+class QWidget;
 
 /// Outlives the windows that it makes. Main thread.
 class DocumentController : public QObject {
@@ -29,6 +30,8 @@ class DocumentController : public QObject {
     static QString folderKey();
     /// A reason for an alert: with a capital letter and a full stop.
     static QString asSentence(QString reason);
+    /// Says over `from`, which may be null, why a file was not opened.
+    static void tellNotOpened(QWidget* from, const QString& path, const QString& reason);
     /// "14:02", with the day in front when that was not today.
     static QString timeOf(const QDateTime& moment);
 
