@@ -10,6 +10,7 @@ velquin_library(widgetkit
     Classes/DropHere/XDropHereView.h
     Classes/DropHere/XDropHereViewController.h
     Classes/HoverButton/XHoverButton.h
+    Classes/SmallViews/MenuItemIcon.h
     Classes/SmallViews/XHrefButton.h
     Classes/SmallViews/XMiniProgressIndicator.h
     Classes/SmallViews/XOpaqueView.h
@@ -25,6 +26,7 @@ velquin_library(widgetkit
     Platform/Widgets/Animation.h
     Platform/Widgets/Appearance.h
     Platform/Widgets/Binding.h
+    Platform/Widgets/DesktopOpening.h
     Platform/Widgets/DesktopSettings.h
     Platform/Widgets/FilePanels.h
     Platform/Widgets/FlippedGeometry.h
@@ -40,6 +42,7 @@ velquin_library(widgetkit
     Classes/DropHere/XDropHereView.cpp
     Classes/DropHere/XDropHereViewController.cpp
     Classes/HoverButton/XHoverButton.cpp
+    Classes/SmallViews/MenuItemIcon.cpp
     Classes/SmallViews/XHrefButton.cpp
     Classes/SmallViews/XMiniProgressIndicator.cpp
     Classes/SmallViews/XOpaqueView.cpp
@@ -52,6 +55,7 @@ velquin_library(widgetkit
     Platform/Widgets/Animation.cpp
     Platform/Widgets/Appearance.cpp
     Platform/Widgets/Binding.cpp
+    Platform/Widgets/DesktopOpening.cpp
     Platform/Widgets/DesktopSettings.cpp
     Platform/Widgets/FilePanels.cpp
     Platform/Widgets/Pictures.cpp

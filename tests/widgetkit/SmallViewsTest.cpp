@@ -1,12 +1,16 @@
 // The small views: hover button, progress line, link, opaque view.
 #include "Classes/HoverButton/XHoverButton.h"
+#include "Classes/SmallViews/MenuItemIcon.h"
 #include "Classes/SmallViews/XHrefButton.h"
 #include "Classes/SmallViews/XMiniProgressIndicator.h"
 #include "Classes/SmallViews/XOpaqueView.h"
 #include "Platform/Widgets/Appearance.h"
+#include "Platform/Widgets/Pictures.h"
 #include "WidgetFixtures.h"
 #include "support/TestSupport.h"
 
+#include <QDir>
+#include <QStandardItem>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -102,20 +106,52 @@ TEST_F(HoverButton, aMissingHoverPictureIsAnErrorWithAFallback) {
     EXPECT_EQ(recorder.failures().front().sourcePath, "Classes/HoverButton/XHoverButton");
 }
 
-TEST(XHrefButton, isUnderlinedInTheColourOfLinks) {
-    XHrefButton button;
+TEST(XHrefButton, isUnderlinedInTheColourOfLinksAndThickerUnderTheKeyboard) {
+    QWidget window;
+    XHrefButton button(&window);
     button.setText(QStringLiteral("mm"));
     button.resize(button.sizeHint());
     EXPECT_EQ(button.cursor().shape(), Qt::PointingHandCursor);
-    const QImage image = drawn(button);
-    int underlined = 0;
-    for (int y = 0; y < image.height(); ++y) {
-        int run = 0;
-        for (int x = 0; x < image.width(); ++x)
-            run += image.pixelColor(x, y) == currentColors().accent ? 1 : 0;
-        underlined = std::max(underlined, run);
-    }
-    EXPECT_GE(underlined, image.width() - 2) << "a line as long as the words";
+    const auto linesAsLongAsTheWords = [&] {
+        const QImage image = drawn(button);
+        int lines = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            int run = 0;
+            for (int x = 0; x < image.width(); ++x)
+                run += image.pixelColor(x, y) == currentColors().accent ? 1 : 0;
+            lines += run >= image.width() - 2 ? 1 : 0;
+        }
+        return lines;
+    };
+    button.setFocusRing(false);
+    EXPECT_EQ(linesAsLongAsTheWords(), 1);
+    window.show();
+    button.setFocus();
+    ASSERT_TRUE(support::waitUntil([&] { return button.hasFocus(); }));
+    EXPECT_EQ(linesAsLongAsTheWords(), 2);
+    button.setFocusRing(true);
+    EXPECT_EQ(linesAsLongAsTheWords(), 1);
+    int pressed = 0;
+    QObject::connect(&button, &XHrefButton::clicked, [&] { ++pressed; });
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Space, Qt::Key_A})
+        QTest::keyClick(&button, key);
+    EXPECT_EQ(pressed, 2);
+}
+
+TEST(MenuItemIcon, isOurFolderWhereTheDesktopHasNone) {
+    const auto firstIcon = [](const auto& give) {
+        QStandardItem item;
+        give(item);
+        return item.icon().pixmap(QSize(16, 16)).toImage();
+    };
+    const QImage ours = Pictures::icon(QStringLiteral("folder")).pixmap(QSize(16, 16)).toImage();
+    QIcon::setThemeSearchPaths({});
+    EXPECT_EQ(firstIcon([](QStandardItem& item) { MenuItemIcon::setIconByPath(item, QDir::homePath()); }),
+              ours);
+    EXPECT_EQ(firstIcon([](QStandardItem& item) {
+                  MenuItemIcon::setIconBySearchPathDirectory(item, QStandardPaths::DesktopLocation);
+              }),
+              ours);
 }
 
 TEST(XOpaqueView, coversItsAreaInEitherTheme) {

@@ -33,6 +33,18 @@ QMessageBox::ButtonRole boxRole(Alert::Role role) {
     return QMessageBox::ActionRole;
 }
 
+QMessageBox::Icon boxIcon(Alert::Kind kind) {
+    switch (kind) {
+    case Alert::Kind::Fault:
+        return QMessageBox::Critical;
+    case Alert::Kind::Notice:
+        return QMessageBox::Information;
+    case Alert::Kind::Question:
+        break;
+    }
+    return QMessageBox::Warning;
+}
+
 /// The index that Escape answers.
 int escapeIndex(const Alert& alert) {
     for (qsizetype i = 0; i < alert.buttons.size(); ++i) {
@@ -61,7 +73,7 @@ class MessageBoxAlerts : public Alerts {
     void ask(QWidget* window, const Alert& alert, Answered answered) override {
         auto* box = new QMessageBox(window);
         box->setAttribute(Qt::WA_DeleteOnClose);
-        box->setIcon(alert.kind == Alert::Kind::Fault ? QMessageBox::Critical : QMessageBox::Warning);
+        box->setIcon(boxIcon(alert.kind));
         box->setWindowTitle(QStringLiteral("Velquin"));
         box->setTextFormat(Qt::PlainText); // names may hold anything
         box->setText(alert.message);

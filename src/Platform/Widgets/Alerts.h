@@ -9,7 +9,7 @@
 class QWidget;
 
 struct Alert {
-    enum class Kind { Question, Fault };
+    enum class Kind { Question, Fault, Notice };
     enum class Role { Accept, Destructive, Cancel, Other };
     struct Button {
         QString text;

@@ -64,8 +64,8 @@ QStyle* VelquinStyle::create() {
     return new VelquinStyle;
 }
 
-void VelquinStyle::setFocusRingInside(QWidget& container) {
-    container.setProperty(ringInsideProperty, true);
+void VelquinStyle::setFocusRingInside(QWidget& container, bool inside) {
+    container.setProperty(ringInsideProperty, inside);
 }
 
 bool VelquinStyle::focusRingInside(const QWidget* widget) {
@@ -208,6 +208,8 @@ int VelquinStyle::styleHint(StyleHint hint, const QStyleOption* option, const QW
     case SH_ComboBox_Popup:
     case SH_DialogButtonBox_ButtonsHaveIcons:
         return 0;
+    case SH_MessageBox_TextInteractionFlags: // addresses and reasons can be copied
+        return int{Qt::TextSelectableByMouse | Qt::LinksAccessibleByMouse};
     case SH_FocusFrame_AboveWidget:
     case SH_ItemView_ShowDecorationSelected:
         return 1;
@@ -272,6 +274,11 @@ QIcon VelquinStyle::standardIcon(StandardPixmap pixmap, const QStyleOption* opti
     case SP_MessageBoxInformation:
     case SP_MessageBoxQuestion:
         return alert(u"info", colors.text2);
+    case SP_DirIcon: // of a desktop without a theme of icons
+    case SP_DirClosedIcon:
+    case SP_DirOpenIcon:
+    case SP_DirHomeIcon:
+        return Pictures::icon(QStringLiteral("folder"));
     case SP_LineEditClearButton:
         return Pictures::icon(QStringLiteral("tab_close"));
     default:

@@ -18,7 +18,7 @@ class VelquinStyle : public QProxyStyle {
 
     /// The focus rings of everything in `container` lie inside the controls' outlines, as tight rows of
     /// controls need; elsewhere they lie outside, one pixel off.
-    static void setFocusRingInside(QWidget& container);
+    static void setFocusRingInside(QWidget& container, bool inside = true);
     static bool focusRingInside(const QWidget* widget);
 
     /// Shows a field as faulty, with the reason as its tooltip; an empty reason ends it and brings the
