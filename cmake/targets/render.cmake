@@ -12,11 +12,14 @@ set(render_headers
   Classes/PlotView/PlotInteraction.h
   Classes/PlotView/PlotLayout.h
   Classes/PlotView/PlotOverlay.h
+  Classes/PlotView/PlotPage.h
   Classes/PlotView/PlotPicture.h
   Classes/PlotView/PlotScene.h
   Classes/PlotView/PlotStyles.h
   Classes/PlotView/PlotText.h
   Classes/PlotView/PointSprites.h
+  Classes/PlotView/RecordedCanvas.h
+  Classes/PlotView/RecordedPicture.h
   Classes/PlotView/RulerDrawing.h
   Classes/PlotView/SelectionDrawing.h
   Classes/PlotView/TitleLayout.h
@@ -33,11 +36,14 @@ set(render_sources
   Classes/PlotView/PlotDrawing.cpp
   Classes/PlotView/PlotInteraction.cpp
   Classes/PlotView/PlotLayout.cpp
+  Classes/PlotView/PlotPage.cpp
   Classes/PlotView/PlotPicture.cpp
   Classes/PlotView/PlotScene.cpp
   Classes/PlotView/PlotStyles.cpp
   Classes/PlotView/PlotText.cpp
   Classes/PlotView/PointSprites.cpp
+  Classes/PlotView/RecordedCanvas.cpp
+  Classes/PlotView/RecordedPicture.cpp
   Classes/PlotView/RulerDrawing.cpp
   Classes/PlotView/SelectionDrawing.cpp
   Classes/PlotView/TitleLayout.cpp

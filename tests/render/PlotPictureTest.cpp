@@ -119,11 +119,12 @@ TEST(ImageExport, writesFilesAndTheClipboard) {
     image.fill(QColor(200, 40, 10));
     const support::ScratchFolder folder;
     const QString jpeg = folder.path(QStringLiteral("a.png")), png = folder.path(QStringLiteral("b.png"));
-    EXPECT_TRUE(ImageExport::saveAsJPEG(image, jpeg)); // whatever the ending says
+    EXPECT_TRUE(ImageExport::saveAsJPEG(image, jpeg).isWritten()); // whatever the ending says
     EXPECT_TRUE(support::ScratchFolder::read(jpeg).startsWith("\xff\xd8"));
-    EXPECT_TRUE(ImageExport::saveAsPNG(image, png));
+    EXPECT_TRUE(ImageExport::saveAsPNG(image, png).isWritten());
     EXPECT_EQ(QImage(png).convertToFormat(QImage::Format_RGB32), image);
-    EXPECT_FALSE(ImageExport::saveAsPNG(image, folder.path(QStringLiteral("none/c.png"))));
+    EXPECT_EQ(ImageExport::saveAsPNG(image, jpeg).outcome, PlacedFile::Result::Outcome::NameTaken);
+    EXPECT_FALSE(ImageExport::saveAsPNG(image, folder.path(QStringLiteral("none/c.png"))).isWritten());
 
     ImageExport::copyToClipboard(image);
     const QMimeData* contents = QGuiApplication::clipboard()->mimeData();

@@ -3,11 +3,27 @@
 #include <QBuffer>
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QImageWriter>
 #include <QMimeData>
 
 #include <memory>
 
 namespace ImageExport {
+namespace {
+
+constexpr int usualQuality = -1;
+
+PlacedFile::Result save(const QImage& image, const char* format, int quality, const QString& path) {
+    QBuffer bytes;
+    bytes.open(QIODevice::WriteOnly);
+    QImageWriter writer(&bytes, format);
+    writer.setQuality(quality);
+    if (!writer.write(image))
+        return {PlacedFile::Result::Outcome::Failed, writer.errorString()};
+    return PlacedFile::write(path, bytes.data(), PlacedFile::Existing::Keep);
+}
+
+} // namespace
 
 void copyToClipboard(const QImage& image) {
     QBuffer png;
@@ -21,12 +37,12 @@ void copyToClipboard(const QImage& image) {
     QGuiApplication::clipboard()->setMimeData(contents.release());
 }
 
-bool saveAsJPEG(const QImage& image, const QString& path) {
-    return image.save(path, "JPEG", 100);
+PlacedFile::Result saveAsJPEG(const QImage& image, const QString& path) {
+    return save(image, "JPEG", 100, path);
 }
 
-bool saveAsPNG(const QImage& image, const QString& path) {
-    return image.save(path, "PNG");
+PlacedFile::Result saveAsPNG(const QImage& image, const QString& path) {
+    return save(image, "PNG", usualQuality, path);
 }
 
 } // namespace ImageExport

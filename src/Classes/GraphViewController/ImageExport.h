@@ -1,6 +1,8 @@
 // A finished picture to the clipboard or into a file.
 #pragma once
 
+#include "Platform/Core/PlacedFile.h"
+
 #include <QImage>
 #include <QString>
 
@@ -8,8 +10,9 @@ namespace ImageExport {
 
 /// Replaces the clipboard's contents. Main thread.
 void copyToClipboard(const QImage& image);
-/// Best quality; returns whether the file was written. What was there before is overwritten in place.
-bool saveAsJPEG(const QImage& image, const QString& path);
-bool saveAsPNG(const QImage& image, const QString& path);
+/// Best quality, into a new file that is there whole or not at all; a name that is taken stays as it is. Any
+/// thread.
+PlacedFile::Result saveAsJPEG(const QImage& image, const QString& path);
+PlacedFile::Result saveAsPNG(const QImage& image, const QString& path);
 
 } // namespace ImageExport

@@ -218,13 +218,11 @@ QImage CurveRenderer::renderImage(const CurveSnapshot& curve, const XAxis& axisX
 }
 
 void CurveRenderer::paintVector(QPainter& painter, const CurveSnapshot& curve, const XAxis& axisX,
-                                const XAxis& axisY) {
+                                const XAxis& axisY, const std::stop_token& stop) {
     const std::unique_ptr<XAxis> pointsX = deviceAxis(axisX, 1);
     const std::unique_ptr<XAxis> pointsY = deviceAxis(axisY, 1);
-    const std::stop_token neverStopped;
     const Progress noProgress;
-    const auto reader =
-        std::make_unique<CurvePixelReader>(curve, *pointsX, *pointsY, 1, neverStopped, noProgress);
+    const auto reader = std::make_unique<CurvePixelReader>(curve, *pointsX, *pointsY, 1, stop, noProgress);
     if (!reader->hasColumns() || !isVisible(curve.colorAlpha))
         return;
     painter.save();
@@ -233,15 +231,14 @@ void CurveRenderer::paintVector(QPainter& painter, const CurveSnapshot& curve, c
         QPen pen = outlinePen(curve.color, curve.colorAlpha, curve.lineWidth);
         pen.setJoinStyle(Qt::BevelJoin);
         VectorStrokes strokes(painter, pointsX->pixelLength(), pointsY->pixelLength(), pen);
-        LineDrawing(strokes, neverStopped).run(*reader, *pointsX, *pointsY);
+        LineDrawing(strokes, stop).run(*reader, *pointsX, *pointsY);
     } else if (reader->ticksNeeded()) {
         readShapes(*reader);
     }
     const double penWidth = std::max(1, curve.lineWidth);
-    drawShapes(*reader, curve.colorAlpha, neverStopped,
-               [&](const TickCompressor::Entry& entry, double opacity) {
-                   drawShape(painter, *curve.ticksShape, entry, pointsY->pixelLength(),
-                             outlinePen(curve.color, opacity, penWidth));
-               });
+    drawShapes(*reader, curve.colorAlpha, stop, [&](const TickCompressor::Entry& entry, double opacity) {
+        drawShape(painter, *curve.ticksShape, entry, pointsY->pixelLength(),
+                  outlinePen(curve.color, opacity, penWidth));
+    });
     painter.restore();
 }

@@ -23,7 +23,8 @@ QImage renderImage(const CurveSnapshot& curve, const XAxis& axisX, const XAxis& 
                    double devicePixelRatio, const std::stop_token& stop, const Progress& progress = {});
 
 /// The same curve as vector strokes and fills in points, y downwards from the top of the y axis, origin at
-/// the plot rectangle's top left: one stroke for each sub-path of the line reducer.
-void paintVector(QPainter& painter, const CurveSnapshot& curve, const XAxis& axisX, const XAxis& axisY);
+/// the plot rectangle's top left: one stroke for each sub-path of the line reducer. Ends early when stopped.
+void paintVector(QPainter& painter, const CurveSnapshot& curve, const XAxis& axisX, const XAxis& axisY,
+                 const std::stop_token& stop = {});
 
 } // namespace CurveRenderer

@@ -108,10 +108,11 @@ void drawSample(PlotCanvas& canvas, QPointF corner, const XCurve& curve) {
         canvas.fillRect(bar, color);
     if (curve.ticksShape() == nullptr || curve.ticksShape()->drawCallback() == nullptr)
         return;
-    canvas.group({corner, QSizeF(sampleWidth, rowHeight)}, 1, [&](QPainter& painter) {
-        painter.setRenderHint(QPainter::Antialiasing, true);
-        painter.fillPath(pointsPath(curve, pen), color);
-    });
+    canvas.group({corner, QSizeF(sampleWidth, rowHeight)}, 1,
+                 [path = pointsPath(curve, pen), color](QPainter& painter) {
+                     painter.setRenderHint(QPainter::Antialiasing, true);
+                     painter.fillPath(path, color);
+                 });
 }
 
 void drawTitle(PlotCanvas& canvas, QPointF row, const QString& title, const TextMeasure& measure) {

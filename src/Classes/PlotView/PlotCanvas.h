@@ -42,5 +42,6 @@ class PlotCanvas {
     /// The whole image, stretched onto the target.
     virtual void image(const QRectF& target, const QImage& image, double opacity) = 0;
     /// Lets `paint` draw at that opacity, with its origin at the rectangle's top left corner and y downwards.
+    /// It may be called later: it owns all it draws.
     virtual void group(const QRectF& rect, double opacity, const std::function<void(QPainter&)>& paint) = 0;
 };

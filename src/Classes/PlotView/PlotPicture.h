@@ -10,6 +10,7 @@
 
 #include <limits>
 #include <optional>
+#include <utility>
 
 class QIODevice;
 class XAxisInfo;
@@ -30,6 +31,9 @@ struct PlotPictureOptions {
     bool showOriginY = true;
     bool showHorizontalLines = true;
     bool showVerticalLines = true;
+    /// What the axes show; absent: they are fitted to the data and the limits.
+    std::optional<std::pair<XValueRange, XValueRange>> ranges;
+    bool blackBackground = false;
     bool showLegend = false;
     int legendAlignment = 0; ///< edges that the legend keeps its distance to, as in LegendAnchor
     QSizeF legendMargins;
@@ -47,11 +51,12 @@ enum class PictureFormat { Png, Jpeg, Pdf, Svg };
 /// By the file's ending: png, jpg or jpeg, pdf, svg, in any case.
 std::optional<PictureFormat> pictureFormatOfPath(const QString& path);
 
-/// The plot fitted to its data, each visible curve rendered in the background meanwhile. Main thread; runs
-/// the event loop until the render tasks are done. Null when there is no memory for so many pixels.
+/// The plot, each visible curve rendered for it. Null when there is no memory for so many pixels. Main
+/// thread.
 QImage drawPicture(const PlotPictureOptions& options, PictureSize size);
 
-/// Writes the picture. Returns the reason of a failure. A page is exactly `size` points (1/72 inch).
+/// Writes the picture. Returns the reason of a failure. A page is exactly `size` points (1/72 inch). Main
+/// thread.
 std::optional<QString> writePicture(QIODevice& device, PictureFormat format,
                                     const PlotPictureOptions& options, PictureSize size);
 /// The same to a file, which is there whole or as it was before.

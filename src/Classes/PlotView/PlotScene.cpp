@@ -18,7 +18,6 @@
 namespace {
 
 constexpr std::size_t renderTasksAtOnce = 4;
-constexpr double curveOpacity = 0.9;
 
 constexpr const char* curveKVOkeys[] = {"needsRedraw", "x_evaluated_data", "y_evaluated_data"};
 
@@ -134,25 +133,32 @@ const PlotLayout& PlotScene::calculateMargins() {
     return m_layout;
 }
 
-void PlotScene::fitToData() {
-    std::vector<XValueRange> rangesX;
-    std::vector<XValueRange> rangesY;
+void PlotScene::fitAxis(XAxis& axis, XValueRange (XCurve::*range)() const, double fixedMin,
+                        double fixedMax) const {
+    std::vector<XValueRange> ranges;
     for (const XCurveHandle& curve : std::as_const(m_curves)) {
-        if (!curve->isVisible() || !hasData(*curve))
-            continue;
-        rangesX.push_back(curve->getRangeX());
-        rangesY.push_back(curve->getRangeY());
+        if (curve->isVisible() && hasData(*curve))
+            ranges.push_back(((*curve).*range)());
     }
-    const auto fit = [](XAxis& axis, const std::vector<XValueRange>& ranges, double fixedMin,
-                        double fixedMax) {
-        const FittedRange fitted = fitRange(ranges, fixedMin, fixedMax);
-        axis.setRangeMinMax(fitted.range.minimum, fitted.range.maximum);
-        axis.makeVisibleMarginForMinMax(fitted.marginAtMin, fitted.marginAtMax);
-    };
-    fit(*m_axisX, rangesX, options.axisMinX, options.axisMaxX);
-    fit(*m_axisY, rangesY, options.axisMinY, options.axisMaxY);
-    autoFitToData = true;
+    const FittedRange fitted = fitRange(ranges, fixedMin, fixedMax);
+    axis.setRangeMinMax(fitted.range.minimum, fitted.range.maximum);
+    axis.makeVisibleMarginForMinMax(fitted.marginAtMin, fitted.marginAtMax);
+}
+
+void PlotScene::fitAxisX() {
+    fitAxis(*m_axisX, &XCurve::getRangeX, options.axisMinX, options.axisMaxX);
     setNeedsDisplay();
+}
+
+void PlotScene::fitAxisY() {
+    fitAxis(*m_axisY, &XCurve::getRangeY, options.axisMinY, options.axisMaxY);
+    setNeedsDisplay();
+}
+
+void PlotScene::fitToData() {
+    fitAxis(*m_axisX, &XCurve::getRangeX, options.axisMinX, options.axisMaxX);
+    autoFitToData = true;
+    fitAxisY();
 }
 
 QPointF PlotScene::getViewCoordinatesForData(QPointF data) const {
@@ -235,12 +241,13 @@ void PlotScene::addRenderTaskForCurve(const XCurveHandle& curve) {
 }
 
 void PlotScene::drawCurveAsVector(PlotCanvas& canvas, const XCurve& curve) const {
-    const CurveSnapshot snapshot = curve.snapshot();
     canvas.save();
     canvas.clip(m_layout.plotRect());
-    canvas.group(m_layout.plotRect(), curveOpacity, [&](QPainter& painter) {
-        CurveRenderer::paintVector(painter, snapshot, *m_axisX, *m_axisY);
-    });
+    canvas.group(m_layout.plotRect(), curveOpacity,
+                 [snapshot = curve.snapshot(), x = XAxisHandle(m_axisX->copy()),
+                  y = XAxisHandle(m_axisY->copy())](QPainter& painter) {
+                     CurveRenderer::paintVector(painter, snapshot, *x, *y);
+                 });
     canvas.restore();
 }
 
@@ -250,7 +257,9 @@ void PlotScene::renderData(PlotCanvas& canvas, CurveOutput output) {
     for (const XCurveHandle& curve : std::as_const(m_curves)) {
         if (!curve->isVisible())
             continue;
-        if (output == CurveOutput::Vector)
+        if (m_curvePainter)
+            m_curvePainter(canvas, *curve);
+        else if (output == CurveOutput::Vector)
             drawCurveAsVector(canvas, *curve);
         else if (!drawPrerenderedImageOfCurve(canvas, *curve))
             addRenderTaskForCurve(curve);

@@ -44,6 +44,9 @@ class PlotScene {
   public:
     /// How curves reach the canvas.
     enum class CurveOutput { Images, Vector };
+    using CurvePainter = std::function<void(PlotCanvas& canvas, const XCurve& curve)>;
+
+    static constexpr double curveOpacity = 0.9;
 
     /// `setNeedsDisplay` is called whenever what is shown has changed.
     explicit PlotScene(std::function<void()> setNeedsDisplay = {});
@@ -71,6 +74,8 @@ class PlotScene {
     void setDevicePixelRatio(double ratio);
     /// How long a render task waits for a newer one that replaces it.
     void setRenderGrace(std::chrono::milliseconds grace) { m_renderGrace = grace; }
+    /// Draws visible curves in place of the scene, which then makes no images.
+    void setCurvePainter(CurvePainter painter) { m_curvePainter = std::move(painter); }
 
     /// Lays out for the present bounds and gives the axes their lengths.
     const PlotLayout& calculateMargins();
@@ -78,6 +83,10 @@ class PlotScene {
 
     /// Ranges around the visible curves' data, with a visible margin; turns `autoFitToData` on.
     void fitToData();
+    /// One axis alone, whose limits were changed; the other keeps what it shows, and so does
+    /// `autoFitToData`.
+    void fitAxisX();
+    void fitAxisY();
     void discardPrerenderedImages();
     /// Render tasks that are queued, running or handing over.
     std::size_t renderTaskCount() const { return m_renderTasksQueue.operationCount(); }
@@ -101,6 +110,7 @@ class PlotScene {
     QPointF getViewCoordinatesForData(QPointF data) const;
 
   private:
+    void fitAxis(XAxis& axis, XValueRange (XCurve::*range)() const, double fixedMin, double fixedMax) const;
     void replaceAxis(XAxisHandle& place, XAxisHandle axis);
     void assignAxes();
     void observeValueForKeyPath(const KeyChange& change);
@@ -123,6 +133,7 @@ class PlotScene {
     QRectF m_requestedDirtyRect;
     double m_devicePixelRatio = 1;
     std::chrono::milliseconds m_renderGrace{100};
+    CurvePainter m_curvePainter;
     NotificationCenter::Registration m_updateRegistration;
     /// Render tasks hold it weakly: what they announce after the scene went reaches nobody.
     std::shared_ptr<const std::function<void()>> m_setNeedsDisplay;
