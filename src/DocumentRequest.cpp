@@ -54,6 +54,19 @@ void applySourceOptions(MoxDocument& document, const CommandLine& line) {
     }
 }
 
+/// Data that a document names relatively are those that its opener stands by, not those of this process.
+void findDataFrom(const QDir& workingFolder, MoxDocument& document) {
+    if (workingFolder == QDir::current())
+        return;
+    for (const XDataSource& source : document.dataSourcesManager().dataSources()) {
+        auto* file = qobject_cast<XPTextFile*>(source.get());
+        const QString name = file != nullptr ? file->filename() : QString();
+        if (!name.isEmpty() && !name.startsWith(u'~') && QDir::isRelativePath(name))
+            file->setFilename(workingFolder.absoluteFilePath(name));
+    }
+    document.setUnedited(); // it was just read
+}
+
 bool asksForHeaderOfNumbers(const MoxDocument& document, const CommandLine& line) {
     const auto& sources = document.dataSourcesManager().dataSources();
     const auto* file = sources.empty() ? nullptr : qobject_cast<const XPTextFile*>(sources.front().get());
@@ -159,14 +172,15 @@ void applyPlotArea(MoxDocument& document, const CommandLine& line) {
 
 } // namespace
 
-std::variant<std::unique_ptr<MoxDocument>, RequestFailure> openRequested(const QString& file,
-                                                                         const CommandLine& line) {
+std::variant<std::unique_ptr<MoxDocument>, RequestFailure>
+openRequested(const QString& file, const CommandLine& line, const QDir& workingFolder) {
     auto document = std::make_unique<MoxDocument>();
     if (file.isEmpty())
         return RequestFailure{u"\"\""_qs, u"the file's name is empty"_qs};
     if (MoxDocument::isDocument(file)) {
         if (const std::optional<QString> reason = document->readFromURL(file))
             return RequestFailure{file, *reason};
+        findDataFrom(workingFolder, *document);
         if (changesTheSource(line))
             applySourceOptions(*document, line);
     } else {

@@ -4,6 +4,7 @@
 
 #include "CommandLine.h"
 
+#include <QDir>
 #include <QString>
 
 #include <memory>
@@ -20,9 +21,9 @@ struct RequestFailure {
 };
 
 /// A property list or *.mox is opened as a document; anything else becomes the text-file data source of a new
-/// one. Reading has begun when it returns.
-std::variant<std::unique_ptr<MoxDocument>, RequestFailure> openRequested(const QString& file,
-                                                                         const CommandLine& line);
+/// one. Reading has begun when it returns. Relative names of data in a document count from `workingFolder`.
+std::variant<std::unique_ptr<MoxDocument>, RequestFailure>
+openRequested(const QString& file, const CommandLine& line, const QDir& workingFolder = QDir::current());
 
 /// The first data source whose last read failed, or null.
 std::optional<RequestFailure> firstReadFailure(const MoxDocument& document);

@@ -3,6 +3,7 @@
 #include "Classes/ExpressionEvaluator/XExpressionEvaluator.h"
 #include "Classes/PlotView/PlotText.h"
 #include "Classes/PluginsManager/XPluginsManager.h"
+#include "Classes/SingleInstance/InstanceServer.h"
 #include "CommandLine.h"
 #include "Core/Assertions.h"
 #include "EmbeddedPlugins/SourceViews.h"
@@ -16,11 +17,13 @@
 #include "WindowRun.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
 #include <QGuiApplication>
 
 #include <cstdio>
 #include <cstring>
+#include <optional>
 #include <vector>
 
 namespace {
@@ -99,6 +102,25 @@ bool isDisplayThere() {
            qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
 }
 
+/// Tells what became of a command line that another process has carried out.
+int endAsTold(const InstanceReply& reply) {
+    for (const QString& error : reply.errors)
+        reportFailure({}, error);
+    return reply.exitCode;
+}
+
+/// The first process of a user's display opens the files of all later ones.
+InstanceClaim claimDisplay(const std::optional<InstancePlace>& place, const QStringList& arguments) {
+    const InstanceRequest request{.workingFolder = QDir::currentPath(),
+                                  .activationToken = qEnvironmentVariable("XDG_ACTIVATION_TOKEN"),
+                                  .startupId = qEnvironmentVariable("DESKTOP_STARTUP_ID"),
+                                  .arguments = arguments};
+    // Relative names mean nothing without a folder, which may have been removed.
+    if (!place || !QDir::isAbsolutePath(request.workingFolder))
+        return IsAlone{};
+    return claimInstance(*place, request);
+}
+
 int runWithWindows(Arguments& arguments, const CommandLine& line) {
     qInstallMessageHandler(writeOwnMessages);
     const bool userChoseStyle =
@@ -107,7 +129,16 @@ int runWithWindows(Arguments& arguments, const CommandLine& line) {
         reportFailure({}, QStringLiteral("there is no display to open a window on"));
         return exitFailed;
     }
+    const std::optional<InstancePlace> place = instancePlace(InstanceSurroundings::current());
+    InstanceClaim claim = claimDisplay(place, arguments.ours);
+    if (const auto* reply = std::get_if<InstanceReply>(&claim))
+        return endAsTold(*reply);
+    QGuiApplication::setDesktopFileName(QLatin1String(Product::id));
     const Application application(arguments.toolkitsCount, arguments.toolkits.data());
+    // Made before the documents and gone after them: whoever comes next finds their files written.
+    std::optional<InstanceServer> server;
+    if (auto* first = std::get_if<IsFirst>(&claim))
+        server.emplace(*place, std::move(first->lock));
     Appearance::instance().install(userChoseStyle);
     Appearance::instance().followDesktop();
     QApplication::setWindowIcon(Pictures::applicationIcon());
@@ -116,7 +147,7 @@ int runWithWindows(Arguments& arguments, const CommandLine& line) {
     installSourceViews();
     const AssertionScope editsGoOn(AssertionPolicy::ReportOnly);
     const EvaluatorEnd evaluatorEnd;
-    return runWindows(line);
+    return runWindows(line, server ? &*server : nullptr);
 }
 
 int runProgram(Arguments arguments) {

@@ -145,16 +145,18 @@ QImage Desktop::steadyScreen() const {
     return last;
 }
 
-Program::Program(const Desktop& desktop, const support::ScratchFolder& folder, const QStringList& arguments)
+Program::Program(const Desktop& desktop, const support::ScratchFolder& folder, const QStringList& arguments,
+                 const QString& workingFolder)
     : m_desktop(desktop) {
     QProcessEnvironment variables = desktop.environment();
     for (const QString& name : {u"XDG_CONFIG_HOME"_qs, u"XDG_DATA_HOME"_qs, u"XDG_STATE_HOME"_qs, u"HOME"_qs})
         variables.insert(name, folder.path(u"home"_qs));
+    variables.insert(u"XDG_RUNTIME_DIR"_qs, folder.path()); // which is private
     // The message bus library keeps a buffer of its own to the end; this is about its leak alone.
     const QString suppressions = folder.write(u"leaks.txt"_qs, "leak:libdbus-1.so\n");
     variables.insert(u"LSAN_OPTIONS"_qs, u"print_suppressions=0:suppressions="_qs + suppressions);
     m_process.setProcessEnvironment(variables);
-    m_process.setWorkingDirectory(folder.path());
+    m_process.setWorkingDirectory(folder.path(workingFolder));
     m_process.start(QStringLiteral(VELQUIN_PROGRAM), arguments);
     EXPECT_TRUE(m_process.waitForStarted(commandTimeout));
 }

@@ -54,7 +54,9 @@ class Desktop {
 /// The program, running on a desktop with settings of its own.
 class Program {
   public:
-    Program(const Desktop& desktop, const support::ScratchFolder& folder, const QStringList& arguments);
+    /// `workingFolder` is below `folder`.
+    Program(const Desktop& desktop, const support::ScratchFolder& folder, const QStringList& arguments,
+            const QString& workingFolder = {});
     ~Program();
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
