@@ -5,6 +5,7 @@ velquin_library(axes
     Classes/Axes/LinearTicks.h
     Classes/Axes/LogTicks.h
     Classes/Axes/TicksGenerators.h
+    Classes/Axes/TypedTime.h
     Classes/Axes/XAxis.h
     Classes/Axes/XAxisInfo.h
     Classes/Axes/XAxisManager.h
@@ -20,6 +21,7 @@ velquin_library(axes
     Classes/Axes/LinearTicks.cpp
     Classes/Axes/LogTicks.cpp
     Classes/Axes/TicksGenerators.cpp
+    Classes/Axes/TypedTime.cpp
     Classes/Axes/XAxis.cpp
     Classes/Axes/XAxisInfo.cpp
     Classes/Axes/XAxisManager.cpp

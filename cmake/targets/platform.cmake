@@ -15,7 +15,7 @@ velquin_library(platform
     Platform/Core/PendingEdits.h
     Platform/Core/PropertyList.h
     Platform/Core/PropertyListFormats.h
-    Platform/Core/PlacedFile.h
+    Platform/Core/TypedNumber.h
     Platform/Core/UndoManager.h
     Platform/Core/UserDefaults.h
     Platform/Core/WholeWrite.h
@@ -36,6 +36,7 @@ velquin_library(platform
     Platform/Core/PropertyListFile.cpp
     Platform/Core/PlacedFile.cpp
     Platform/Core/PropertyListXml.cpp
+    Platform/Core/TypedNumber.cpp
     Platform/Core/UndoManager.cpp
     Platform/Core/UserDefaults.cpp
   USES velquin_core Qt6::Core)

@@ -1,5 +1,6 @@
 // The time axis: the calendar, the marks of each kind of step, texts and weekends.
 #include "Classes/Axes/TicksGenerators.h"
+#include "Classes/Axes/TypedTime.h"
 #include "Classes/Axes/XTimeAxis.h"
 #include "Classes/Axes/XTimeAxisTick.h"
 
@@ -417,6 +418,51 @@ TEST(XTimeAxis, readsValuesAndIntervals) {
     };
     for (const IntervalRow& row : intervals)
         EXPECT_EQ(axisIn("UTC", 0, 1, 300)->humanReadableIntervalEnd(row.seconds, 0).toStdString(), row.text);
+}
+
+struct TypedRow {
+    const char* text;
+    const char* shown; ///< what the value reads as; null: refused
+};
+
+TEST(TypedTime, readsWhatUsersWriteAndWhatAxesShow) {
+    const Calendar german = calendarIn("Europe/Berlin", QLocale(QLocale::German, QLocale::Germany));
+    const TypedRow rows[] = {
+        {"2026-11-21", "2026-11-21"},
+        {" 2026-11-21  14:05 ", "2026-11-21 14:05"},
+        {"2026-11-21T14:05:30", "2026-11-21 14:05:30"},
+        {"2026/1/2 4:05:30,25", "2026-01-02 04:05:30.25"},
+        {"2026-11-21 00:00:00.000001", "2026-11-21 00:00:00.000001"},
+        {"2026-11", "2026-11-01"},
+        {"21.11.2026 14:05", "2026-11-21 14:05"},
+        {"14:05:30 21 November 2026", "2026-11-21 14:05:30"},
+        {"März 2026", "2026-03-01"},
+        {"Dez. 3, 2026", "2026-12-03"},
+        {"2026-11-21 14:05Z", "2026-11-21 15:05"},
+        {"2026-07-01T00:30:00+05:30", "2026-06-30 21:00"},
+        {"0", "1970-01-01 01:00"},
+        {"1,5", "1970-01-01 01:00:01.5"},
+        {"-1e11", "-1e+11"},                      // before the years of four digits
+        {"2026-03-29 02:30", "2026-03-29 03:30"}, // skipped
+        {"2026-02-30", nullptr},
+        {"2026-11-21 24:05", nullptr},
+        {"2026-11-21 14:65", nullptr},
+        {"14:05", nullptr},
+        {"21 November", nullptr},
+        {"yesterday", nullptr},
+        {"", nullptr},
+        {"inf", nullptr},
+    };
+    for (const TypedRow& row : rows) {
+        const std::optional<double> value = TypedTime::value(QString::fromUtf8(row.text), german);
+        const std::string shown = value ? TypedTime::text(*value, german).toStdString() : "refused";
+        EXPECT_EQ(shown, row.shown != nullptr ? row.shown : "refused") << row.text;
+    }
+    const Calendar american = calendarIn("UTC", QLocale(QLocale::English, QLocale::UnitedStates));
+    EXPECT_EQ(TypedTime::value(QStringLiteral("11/2/2026"), american),
+              TypedTime::value(QStringLiteral("2026-11-02"), american));
+    EXPECT_EQ(TypedTime::text(1e300, german), QStringLiteral("1e+300"));
+    EXPECT_EQ(TypedTime::text(59.9999999, american), QStringLiteral("1970-01-01 00:01"));
 }
 
 TEST(XTimeAxis, bandsTheWeekends) {

@@ -31,6 +31,8 @@ class Calendar {
     /// The user's, as they are now.
     static Calendar current();
 
+    const QLocale& locale() const { return m_locale; }
+
     static constexpr std::int64_t limit = 3'000'000'000'000'000'000; // some 95 thousand million years
     /// Whether the calendar reaches that far; false for NaN.
     static bool reaches(double seconds);

@@ -5,6 +5,7 @@
 #include "Core/ClampToInt.h"
 #include "Core/NumberText.h"
 #include "Platform/Core/PlacedFile.h"
+#include "Platform/Core/TypedNumber.h"
 
 #include <QVariantMap>
 
@@ -190,6 +191,14 @@ QString XAxis::humanReadableValue(double value) const {
 
 QString XAxis::humanReadableIntervalEnd(double start, double end) const {
     return humanReadableValue(std::abs(start - end));
+}
+
+QString XAxis::typedText(double value) const {
+    return TypedNumber::text(value);
+}
+
+std::optional<double> XAxis::valueOfTypedText(const QString& text) const {
+    return TypedNumber::value(text);
 }
 
 void XAxis::makeVisibleMarginForMinMax(bool atMin, bool atMax) {

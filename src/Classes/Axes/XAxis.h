@@ -62,6 +62,10 @@ class XAxis {
     /// The distance between two values, as text.
     virtual QString humanReadableIntervalEnd(double start, double end) const;
 
+    /// A value as it is shown for editing, and the value that was typed: nothing for a text that is none.
+    virtual QString typedText(double value) const;
+    virtual std::optional<double> valueOfTypedText(const QString& text) const;
+
     /// Widens the range by a twentieth at the chosen ends.
     virtual void makeVisibleMarginForMinMax(bool atMin, bool atMax);
     /// A positive count moves the range toward lower values, as a drag to the right does.

@@ -1,5 +1,6 @@
 #include "Classes/Axes/XTimeAxis.h"
 
+#include "Classes/Axes/TypedTime.h"
 #include "Classes/Axes/XTicksGenerator.h"
 #include "Core/ClampToInt.h"
 #include "Core/NumberText.h"
@@ -121,4 +122,12 @@ QString XTimeAxis::humanReadableIntervalEnd(double start, double end) const {
         return QStringLiteral("%1 minutes %2 sec")
             .arg(count(minutes), count(std::trunc(seconds - 60 * minutes)));
     return secondsText(seconds);
+}
+
+QString XTimeAxis::typedText(double value) const {
+    return TypedTime::text(value, m_calendar());
+}
+
+std::optional<double> XTimeAxis::valueOfTypedText(const QString& text) const {
+    return TypedTime::value(text, m_calendar());
 }

@@ -23,6 +23,8 @@ class XTimeAxis : public XAxis {
     QString humanReadableValue(double value) const override; ///< a date of about 15 pixels' accuracy
     /// A duration in its one or two largest units. A year has 365 days here.
     QString humanReadableIntervalEnd(double start, double end) const override;
+    QString typedText(double value) const override; ///< a date with its time of day
+    std::optional<double> valueOfTypedText(const QString& text) const override;
 
   protected:
     XTimeAxis(const XTimeAxis&) = default;

@@ -2,6 +2,7 @@
 #include "Platform/Widgets/Binding.h"
 
 #include "Platform/Core/Observable.h"
+#include "Platform/Core/TypedNumber.h"
 #include "Platform/Widgets/VelquinStyle.h"
 
 #include <QAbstractButton>
@@ -11,7 +12,6 @@
 #include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QLineEdit>
-#include <QLocale>
 #include <QPointer>
 #include <QSignalBlocker>
 #include <QSpinBox>
@@ -131,19 +131,14 @@ ValueTransform optionalText() {
 ValueTransform optionalNumber() {
     return {[](const QVariant& value) {
                 const auto number = value.value<std::optional<double>>();
-                return number ? QString::number(*number, 'g', QLocale::FloatingPointShortest) : QString();
+                return number ? TypedNumber::text(*number) : QString();
             },
             [](const QVariant& value) -> std::optional<QVariant> {
                 const QString text = value.toString().trimmed();
-                if (text.isEmpty())
-                    return QVariant::fromValue(std::optional<double>());
-                bool isNumber = false;
-                double number = text.toDouble(&isNumber);
-                if (!isNumber)
-                    number = QLocale().toDouble(text, &isNumber);
-                if (!isNumber || !std::isfinite(number))
+                const std::optional<double> number = TypedNumber::value(text);
+                if (!text.isEmpty() && !number)
                     return std::nullopt;
-                return QVariant::fromValue(std::optional(number));
+                return QVariant::fromValue(number);
             },
             QObject::tr("This is not a number")};
 }
