@@ -207,6 +207,11 @@ RgbaColor MoxDocument::findBestColor() const {
     return ::findBestColor(colors);
 }
 
+void MoxDocument::placeLegend(const LegendAnchor& anchor) {
+    setLegendMargins({anchor.marginX, anchor.marginY});
+    setLegendAlignment(anchor.alignment); // which marks the document edited
+}
+
 // --- Change tracking
 // -------------------------------------------------------------------------------------------
 

@@ -6,6 +6,7 @@
 #include "Classes/DataSourcesManager/XDataSourcesManager.h"
 #include "Classes/PlotModel/DocumentFile.h"
 #include "Classes/PlotModel/XCurve.h"
+#include "Core/LegendPlacement.h"
 #include "Platform/Core/FileFingerprint.h"
 #include "Platform/Core/Observable.h"
 #include "Platform/Core/PropertyList.h"
@@ -124,6 +125,9 @@ class MoxDocument : public Observable {
     void removeCurve(const XCurveHandle& curve);
     XCurveHandle addNewCurve();
     RgbaColor findBestColor() const;
+
+    /// For the user who drags the legend or chooses its place: both keys, which cannot be undone.
+    void placeLegend(const LegendAnchor& anchor);
 
     void onFitToData();
     void windowDidBecomeMain();

@@ -52,7 +52,40 @@ AnchorAlong nearestAlong(const Bits& bits, double place, double length, double v
     return {bits.before, static_cast<double>(toEnd)};
 }
 
+constexpr double marginOfPlaces = 10;
+
+/// `step` 0 keeps to the start, 1 to the middle and 2 to the end.
+AnchorAlong anchorAlong(const Bits& bits, int step) {
+    if (step == 1)
+        return {bits.before | bits.after, 0};
+    return {step == 0 ? bits.after : bits.before, marginOfPlaces};
+}
+
+std::optional<int> stepAlong(const Bits& bits, int alignment) {
+    for (const int step : {0, 1, 2}) {
+        if ((alignment & (bits.before | bits.after)) == anchorAlong(bits, step).alignment)
+            return step;
+    }
+    return {};
+}
+
 } // namespace
+
+LegendAnchor anchorAt(const LegendPlace& place) {
+    const AnchorAlong x = anchorAlong(horizontal, place.column);
+    const AnchorAlong y = anchorAlong(vertical, 2 - place.row);
+    return {x.alignment | y.alignment, x.margin, y.margin};
+}
+
+std::optional<LegendPlace> placeOf(int alignment) {
+    if (alignment == 0)
+        alignment = created.alignment;
+    const std::optional<int> column = stepAlong(horizontal, alignment);
+    const std::optional<int> fromFoot = stepAlong(vertical, alignment);
+    if (!column || !fromFoot)
+        return {};
+    return LegendPlace{*column, 2 - *fromFoot};
+}
 
 LegendFrame located(LegendFrame frame, const LegendAnchor& anchor, double viewWidth, double viewHeight) {
     frame.x = locatedAlong(horizontal, anchor.alignment, anchor.marginX, viewWidth, frame.width, frame.x);

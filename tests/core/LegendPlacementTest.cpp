@@ -46,6 +46,22 @@ TEST(LegendPlacement, aDropSnapsToTheNearestEdgeOrMiddle) {
     EXPECT_EQ(nearestAnchor({0, 0, 700, 100}, 600, 600).alignment & 5, 1);
 }
 
+TEST(LegendPlacement, nineChosenPlacesKeepToTheirEdges) {
+    constexpr std::array alignmentsX{4, 5, 1};
+    constexpr std::array alignmentsY{8, 40, 32}; // from the top
+    constexpr std::array margins{10.0, 0.0, 10.0};
+    for (int place = 0; place < 9; ++place) {
+        const auto column = static_cast<std::size_t>(place % 3);
+        const auto row = static_cast<std::size_t>(place / 3);
+        const LegendPlace chosen{place % 3, place / 3};
+        const LegendAnchor anchor{alignmentsX[column] | alignmentsY[row], margins[column], margins[row]};
+        EXPECT_EQ(anchorAt(chosen), anchor) << place;
+        EXPECT_EQ(placeOf(anchor.alignment), chosen) << place;
+    }
+    EXPECT_EQ(placeOf(0), (LegendPlace{2, 0}));
+    EXPECT_EQ(placeOf(flexibleLeft), std::nullopt);
+}
+
 struct LocationRow {
     const char* name;
     LegendAnchor anchor;

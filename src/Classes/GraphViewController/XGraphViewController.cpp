@@ -134,6 +134,10 @@ void XGraphViewController::observeValueForKeyPath(const KeyChange& change) {
                                          "axisMaxY", "axisX_type", "axisY_type"};
     if (std::ranges::any_of(ofRanges, isKey))
         followData();
+    else if (isKey("axisMinX") || isKey("axisMaxX")) // a new limit shows, wherever the plot was moved
+        plotView().scene().fitAxisX();
+    else if (isKey("axisMinY") || isKey("axisMaxY"))
+        plotView().scene().fitAxisY();
     plotView().update();
 }
 

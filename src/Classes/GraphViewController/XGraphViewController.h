@@ -46,7 +46,7 @@ class XGraphViewController : public XViewController,
     XPlotView& plotView();
     const XPlotView& plotView() const;
     XGraphLegend& graphLegend() const { return *m_graphLegend; }
-    /// The legend has no say of its own whether it is shown: the window follows the document.
+    /// Also takes the place that the document has for the legend now: the window follows these keys.
     void setLegendVisible(bool visible);
 
     // The list of curves as a data source.

@@ -394,8 +394,7 @@ void XGraphViewController::legendMovingFinished(XGraphLegend& legend) {
         {static_cast<double>(frame.x()), static_cast<double>(frame.y()), static_cast<double>(frame.width()),
          static_cast<double>(frame.height())},
         plotView().width(), plotView().height());
-    m_document->setLegendAlignment(anchor.alignment); // which marks the document edited
-    m_document->setLegendMargins({anchor.marginX, anchor.marginY});
+    m_document->placeLegend(anchor);
     setLegendLocation();
 }
 

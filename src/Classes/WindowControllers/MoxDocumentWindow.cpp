@@ -40,7 +40,7 @@ constexpr double greatestPartOfScreen = 0.85;
 constexpr int dataPaddingLeft = 30;
 constexpr int paddingRight = 10;
 
-constexpr const char* showLegendKey[] = {"showLegend"};
+constexpr const char* legendKeys[] = {"showLegend", "legendAlignment", "legendMargins"};
 constexpr const char* statusKeys[] = {"status", "readouts"};
 
 } // namespace
@@ -79,7 +79,7 @@ MoxDocumentWindow::~MoxDocumentWindow() {
     m_documents.windowCloses(*this);
     // Ending what the pages do in the background serves the main thread: what is told meanwhile tells nobody.
     m_selectedPage.end();
-    m_showLegend.end();
+    m_legendKeys.end();
     for (QXTabBar* bar : {&dataSourcesTabBar(), &graphTabBar()})
         bar->disconnect(this);
     for (DataSourceTab* tab : findChildren<DataSourceTab*>())
@@ -124,7 +124,7 @@ void MoxDocumentWindow::setUpGraphTab() {
     connect(m_graphViewController.get(), &XGraphViewController::commandStatesChanged, this,
             &MoxDocumentWindow::commandStatesChanged);
     const auto showLegend = [this] { m_graphViewController->setLegendVisible(m_document->showLegend()); };
-    m_showLegend = Observation(*m_document, showLegendKey, [this, showLegend](const KeyChange&) {
+    m_legendKeys = Observation(*m_document, legendKeys, [this, showLegend](const KeyChange&) {
         showLegend();
         Q_EMIT commandStatesChanged();
     });
@@ -393,7 +393,7 @@ void MoxDocumentWindow::onPrepareToSnapshot() {
 }
 
 void MoxDocumentWindow::documentWillClose() {
-    m_showLegend.end();
+    m_legendKeys.end();
     m_graphViewController->setDocument(nullptr);
 }
 

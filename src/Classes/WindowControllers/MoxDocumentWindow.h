@@ -141,7 +141,7 @@ class MoxDocumentWindow : public QMainWindow,
     WindowDrops* m_drops = nullptr;
     QXNewSourceTabBarItem* m_dropHereTab = nullptr;
     XDataSource m_closingSource; ///< whose tab the tab bar is about to close
-    Observation m_showLegend;
+    Observation m_legendKeys;
     Observation m_selectedPage;
     QString m_news; ///< what was last said of data
     QString m_dragMessage;
