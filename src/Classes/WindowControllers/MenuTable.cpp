@@ -2,6 +2,7 @@
 #include "Classes/WindowControllers/MenuTable.h"
 
 #include "Classes/GraphViewController/XGraphViewController.h"
+#include "Classes/WindowControllers/ApplicationActions.h"
 #include "Classes/WindowControllers/DocumentController.h"
 #include "Classes/WindowControllers/EditCommands.h"
 #include "Classes/WindowControllers/FocusRegions.h"
@@ -137,6 +138,19 @@ void fillWheelZooms(QMenu& menu, Window& window) {
     }
 }
 
+// --- The application around the documents
+// ----------------------------------------------------------------------
+
+template <void (ApplicationActions::*action)()>
+void askApplication(Window& window) {
+    (window.documents().application()->*action)();
+}
+
+/// Commands that the application carries out.
+constexpr MenuState applicationState{
+    [](const Window& window) { return window.documents().application() != nullptr; },
+    "There is no application around this window"};
+
 // --- The table
 // -------------------------------------------------------------------------------------------------
 
@@ -200,6 +214,9 @@ constexpr MenuCommand editCommands[] = {
      "Select everything in the field",
      performInText<EditCommand::SelectAll>,
      {canInText<EditCommand::SelectAll>}},
+    separator,
+    {"preferences", "Pr&eferences…", "Ctrl+,", "Where snapshots go, and other settings",
+     askApplication<&ApplicationActions::showPreferencesWindow>, applicationState},
 };
 
 constexpr MenuCommand dataCommands[] = {
@@ -235,9 +252,9 @@ bool isMouseMode(const Window& window) {
     return window.graphViewController().mouseMode() == mode;
 }
 
-template <void (XGraphViewController::*edit)()>
-void editTitle(Window& window) {
-    (window.graphViewController().*edit)();
+template <void (XGraphViewController::*action)()>
+void onPlot(Window& window) {
+    (window.graphViewController().*action)();
 }
 
 bool isPlotSelected(const Window& window) {
@@ -285,11 +302,11 @@ constexpr MenuCommand plotCommands[] = {
     {"wheelZooms", "&Wheel Zooms", "", "Which axes the mouse wheel zooms", nullptr, {}, fillWheelZooms},
     separator,
     {"editTitle", "Edit Plot &Title", "", "Give the plot a title",
-     editTitle<&XGraphViewController::editPlotTitle>, plotState()},
+     onPlot<&XGraphViewController::editPlotTitle>, plotState()},
     {"editTitleX", "Edit x Axis Title", "", "Give the x axis a title",
-     editTitle<&XGraphViewController::editAxisXTitle>, plotState()},
+     onPlot<&XGraphViewController::editAxisXTitle>, plotState()},
     {"editTitleY", "Edit y Axis Title", "", "Give the y axis a title",
-     editTitle<&XGraphViewController::editAxisYTitle>, plotState()},
+     onPlot<&XGraphViewController::editAxisYTitle>, plotState()},
     separator,
     {"showLegend",
      "Show &Legend",
@@ -308,6 +325,31 @@ constexpr MenuCommand plotCommands[] = {
      {nullptr, nullptr, [](const Window& window) { return window.graphViewController().blackBackground(); }}},
 };
 
+void fillDiagnostics(QMenu& menu, Window& window) {
+    XGraphViewController& plot = window.graphViewController();
+    menu.addAction(tr("Snapshot to &PDF"), &plot, &XGraphViewController::onMakeSnapshotToPDF)
+        ->setToolTip(tr("Write the plot as it is shown to /tmp/snapshot.pdf"));
+    menu.addAction(tr("Dump &x Axis Test Case"), &plot, &XGraphViewController::dumpXAxisTestCase)
+        ->setToolTip(tr("Write the marks of the x axis to a file in /tmp"));
+}
+
+constexpr MenuCommand snapshotCommands[] = {
+    {"snapshotToFile", "Snapshot to &File", "Ctrl+Shift+E", "Save a picture of the plot as it is shown",
+     onPlot<&XGraphViewController::onMakeSnapshotToFile>, plotState()},
+    {"snapshotToClipboard", "Snapshot to &Clipboard", "Ctrl+Shift+C",
+     "Copy a picture of the plot as it is shown", onPlot<&XGraphViewController::onMakeSnapshotToClipboard>,
+     plotState()},
+    {"revealSnapshots", "&Reveal Snapshots Folder", "", "Show the folder in which snapshots are saved",
+     onPlot<&XGraphViewController::onRevealSnapshotsFolder>},
+    separator,
+    {"prepareToSnapshot", "&Prepare to Snapshot", "",
+     "Give the window 920 by 550, so that pictures of plots are of one size",
+     [](Window& window) { window.onPrepareToSnapshot(); }},
+    separator,
+    {"diagnostics", "&Diagnostics", "", "What helps to find faults of the program", nullptr, plotState(),
+     fillDiagnostics},
+};
+
 constexpr MenuCommand windowCommands[] = {
     {"nextTab", "&Next Tab", "Ctrl+PgDown", "Select the next tab",
      [](Window& window) { window.selectNextTab(1); }},
@@ -318,16 +360,30 @@ constexpr MenuCommand windowCommands[] = {
     {"previousRegion", "Previous Re&gion", "Shift+F6",
      "Put the keyboard into the previous part of the window",
      [](Window& window) { FocusRegions::selectNext(window, -1); }},
+};
+
+constexpr MenuCommand helpCommands[] = {
+    {"communityForum", "Community &Forum", "", "Open the forum in the web browser",
+     askApplication<&ApplicationActions::openCommunityForum>, applicationState},
+    {"reportBug", "Report a &Bug", "", "Open the page for faults in the web browser",
+     askApplication<&ApplicationActions::openCommunityForumBugReport>, applicationState},
+    {"requestFeature", "&Request a Feature", "", "Open the page for wishes in the web browser",
+     askApplication<&ApplicationActions::openCommunityForumFeatureRequest>, applicationState},
     separator,
-    {"standardSize", "&Standard Size", "", "920 by 550, so that pictures of plots are of one size",
-     [](Window& window) { window.onPrepareToSnapshot(); }},
+    {"checkForUpdates", "Check for &Updates…", "", "See whether there is a newer version",
+     [](Window& window) { window.documents().application()->checkForUpdates(&window); }, applicationState},
+    separator,
+    {"about", "&About Velquin", "", "Which version this is",
+     askApplication<&ApplicationActions::onAboutPanel>, applicationState},
 };
 
 constexpr MenuRows theTable[] = {{"&File", fileCommands},
                                  {"&Edit", editCommands},
                                  {"&Data", dataCommands},
                                  {"&Plot", plotCommands},
-                                 {"&Window", windowCommands, fillWindows}};
+                                 {"&Snapshot", snapshotCommands},
+                                 {"&Window", windowCommands, fillWindows},
+                                 {"&Help", helpCommands}};
 
 } // namespace
 
