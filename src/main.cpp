@@ -7,6 +7,7 @@
 #include "CommandLine.h"
 #include "Core/Assertions.h"
 #include "EmbeddedPlugins/SourceViews.h"
+#include "EmbeddedPlugins/TextFile/FileWatcher.h"
 #include "EmbeddedPlugins/TextFile/XPTextFileFactory.h"
 #include "Platform/Core/Log.h"
 #include "Platform/Core/MainThread.h"
@@ -145,6 +146,8 @@ int runWithWindows(Arguments& arguments, const CommandLine& line) {
     const MainThreadLoop mainThreadLoop;
     setUpProgram();
     installSourceViews();
+    FileWatcher fileWatcher;
+    FileWatcher::setShared(&fileWatcher);
     const AssertionScope editsGoOn(AssertionPolicy::ReportOnly);
     const EvaluatorEnd evaluatorEnd;
     return runWindows(line, server ? &*server : nullptr);

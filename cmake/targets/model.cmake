@@ -14,7 +14,13 @@ set(model_headers
   Classes/PluginsManager/XPluginFactory.h
   Classes/PluginsManager/XPluginsManager.h
   EmbeddedPlugins/TextEditor/XPTextEditor.h
+  EmbeddedPlugins/TextFile/FileStamp.h
+  EmbeddedPlugins/TextFile/FileWatcher.h
   EmbeddedPlugins/TextFile/InputFile.h
+  EmbeddedPlugins/TextFile/LiveFile.h
+  EmbeddedPlugins/TextFile/LiveFiles.h
+  EmbeddedPlugins/TextFile/LiveStep.h
+  EmbeddedPlugins/TextFile/PathWalk.h
   EmbeddedPlugins/TextFile/XPTextFile.h
   EmbeddedPlugins/TextFile/XPTextFileFactory.h
 )
@@ -23,7 +29,13 @@ set(model_sources
   Classes/DataSourcesManager/XDataSourcesManager.cpp
   Classes/PluginsManager/XPluginsManager.cpp
   EmbeddedPlugins/TextEditor/XPTextEditor.cpp
+  EmbeddedPlugins/TextFile/FileStamp.cpp
+  EmbeddedPlugins/TextFile/FileWatcher.cpp
   EmbeddedPlugins/TextFile/InputFile.cpp
+  EmbeddedPlugins/TextFile/LiveFile.cpp
+  EmbeddedPlugins/TextFile/LiveFiles.cpp
+  EmbeddedPlugins/TextFile/LiveStep.cpp
+  EmbeddedPlugins/TextFile/PathWalk.cpp
   EmbeddedPlugins/TextFile/XPTextFile.cpp
   Classes/PlotModel/DocumentFile.cpp
   Classes/PlotModel/PlistValues.cpp

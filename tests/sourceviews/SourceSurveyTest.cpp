@@ -122,6 +122,8 @@ TEST(SourceNotices, comeInTheirOrder) {
          QStringLiteral("Locate…"), [](SourceFacts& facts) { facts.fileExists = true; }},
         {NoticeKind::Unreadable, QStringLiteral("“sea.csv” cannot be read: Permission denied."),
          QStringLiteral("Try Again"), [](SourceFacts& facts) { facts.readError.clear(); }},
+        {NoticeKind::ChangedOnDisk, QStringLiteral("“sea.csv” changed on the disk."),
+         QStringLiteral("Reload"), [](SourceFacts& facts) { facts.changedOnDisk = false; }},
         {NoticeKind::NotUtf8,
          QStringLiteral("“sea.csv” holds zero bytes. Convert it to UTF-8 to read it."),
          {},
@@ -140,6 +142,7 @@ TEST(SourceNotices, comeInTheirOrder) {
          [](SourceFacts& facts) { facts.table->emptyColumns.clear(); }},
     };
     SourceFacts facts = allWrong();
+    facts.changedOnDisk = true;
     for (const Row& row : rows) {
         const QList<SourceNotice> notices = noticesOf(facts);
         ASSERT_FALSE(notices.isEmpty());

@@ -3,9 +3,11 @@
 #include "EmbeddedPlugins/Common/NoticeBar.h"
 #include "EmbeddedPlugins/Common/PreviewTableView.h"
 #include "EmbeddedPlugins/SourceViews.h"
+#include "EmbeddedPlugins/TextFile/FileWatcher.h"
 #include "EmbeddedPlugins/TextFile/PreviewTableModel.h"
 #include "EmbeddedPlugins/TextFile/XPTextFile.h"
 #include "Platform/Core/NotificationCenter.h"
+#include "Platform/Widgets/FilePanels.h"
 #include "Platform/Widgets/VelquinStyle.h"
 #include "support/TableSource.h"
 #include "support/TestSupport.h"
@@ -14,7 +16,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFile>
-#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -23,6 +24,23 @@
 #include <gtest/gtest.h>
 
 namespace {
+
+/// A panel that stands until the test answers it.
+class StandingPanel : public FilePanels {
+  public:
+    StandingPanel() { setShared(this); }
+    ~StandingPanel() override { setShared(nullptr); }
+
+    void choose(QWidget*, const FilePanel& panel, Chosen chosen) override {
+        ++asked;
+        startFolder = panel.startFolder;
+        answer = std::move(chosen);
+    }
+
+    int asked = 0;
+    QString startFolder;
+    Chosen answer;
+};
 
 class TextFilePage : public testing::Test {
   protected:
@@ -157,13 +175,16 @@ TEST_F(TextFilePage, aFileThatIsGoneIsSaidAndLocated) {
     EXPECT_EQ(source.filename(), folder.path(QStringLiteral("gone.csv"))) << "nobody asked to change it";
     EXPECT_EQ(noticeButton().text(), QStringLiteral("Locate…"));
 
+    StandingPanel panel;
     noticeButton().click();
-    auto* panel = page->view()->findChild<QFileDialog*>();
-    ASSERT_NE(panel, nullptr);
     noticeButton().click();
-    EXPECT_EQ(page->view()->findChildren<QFileDialog*>().size(), 1) << "one panel at a time";
-    Q_EMIT panel->fileSelected(there);
-    panel->close();
+    EXPECT_EQ(panel.asked, 1) << "one panel at a time";
+    EXPECT_EQ(panel.startFolder, folder.path()) << "where the file was";
+    panel.answer({});
+    EXPECT_EQ(source.filename(), folder.path(QStringLiteral("gone.csv")));
+    control<QPushButton>("browseButton").click();
+    EXPECT_EQ(panel.asked, 2);
+    panel.answer({there});
     settle();
     EXPECT_EQ(source.filename(), there);
     EXPECT_EQ(page->fault(), QString());
@@ -219,6 +240,63 @@ TEST_F(TextFilePage, aNoticeIsOneClickAndCanBeDismissed) {
     settle();
     EXPECT_EQ(source.columnNames().mid(1), (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
     EXPECT_EQ(notice().text(), QString());
+}
+
+TEST_F(TextFilePage, aFileThatChangedIsOfferedOrReadByItself) {
+    FileWatcher watcher;
+    FileWatcher::setShared(&watcher);
+    auto& box = control<QCheckBox>("liveBox");
+    EXPECT_FALSE(box.isEnabled()) << "no file yet";
+    openFile("a;b\n1;2\n3;4\n5;6\n", 1, false);
+    EXPECT_TRUE(box.isEnabled());
+    const auto append = [this](const QByteArray& bytes) {
+        QFile file(source.filename());
+        ASSERT_TRUE(file.open(QIODevice::Append) && file.write(bytes) == bytes.size());
+    };
+    const QString text = QStringLiteral("“sea.csv” changed on the disk.");
+    const auto isSaid = [&] { return notice().text() == text; };
+    append("7;8\n");
+    ASSERT_TRUE(support::waitUntil(isSaid)) << "before what concerns its lines";
+    EXPECT_EQ(noticeButton().text(), QStringLiteral("Reload"));
+    EXPECT_EQ(page->fault(), QString());
+    QTest::keyClick(&noticeButton(), Qt::Key_Escape);
+    EXPECT_EQ(noticeButton().text(), QStringLiteral("Split at Semicolon"));
+    append("9;0\n");
+    ASSERT_TRUE(support::waitUntil(isSaid)) << "another change";
+    noticeButton().click();
+    settle();
+    EXPECT_EQ(source.data()->rowsNumber(), 6U);
+    EXPECT_FALSE(isSaid());
+
+    PreviewTableView& table = *page->dataTable();
+    table.setCurrentCell({1, 1}, false);
+    table.setCurrentCell({1, 4}, true);
+    keys.clear();
+    box.click();
+    EXPECT_TRUE(source.isLive());
+    QString texts;
+    QObject::connect(page.get(), &Observable::keyChanged, page.get(), [&](const KeyChange& change) {
+        if (change.key == std::string_view("status"))
+            texts += change.newValue.toString() + QLatin1Char('|');
+    });
+    append("1;1\n");
+    ASSERT_TRUE(support::waitUntil([this] { return source.data()->rowsNumber() == 7; }));
+    settle();
+    EXPECT_EQ(table.selection(), QRect(QPoint(1, 1), QPoint(1, 4)));
+    EXPECT_FALSE(texts.contains(QStringLiteral("Reading"))) << "no flicker: " << texts.toStdString();
+    for (const char* saved : source.kvoKeys())
+        EXPECT_FALSE(keys.contains(QLatin1String(saved))) << saved << ": nothing to undo";
+    source.setLive(false);
+    EXPECT_FALSE(box.isChecked());
+
+    // A smaller file cuts the selection; a table of other columns does not keep it.
+    source.setLive(true);
+    folder.write(QStringLiteral("sea.csv"), "1;2\n3;4\n");
+    ASSERT_TRUE(support::waitUntil([this] { return source.data()->rowsNumber() == 2; }));
+    EXPECT_EQ(table.selection(), QRect(QPoint(1, 1), QPoint(1, 1)));
+    source.setDelimiterType(2);
+    settle();
+    EXPECT_EQ(table.selection(), QRect());
 }
 
 TEST_F(TextFilePage, everyControlHasANameAndATooltip) {

@@ -32,7 +32,8 @@ DataSourceTab::DataSourceTab(const XDataSource& source) : QXTabBarItem(makePage(
     m_page = Observation(*viewController(), pageKeys, [this](const KeyChange& change) {
         if (change.key == std::string_view("fault"))
             takeFault();
-        else if (!viewController()->status().isEmpty() && viewController()->fault().isEmpty())
+        else if (!viewController()->status().isEmpty() && viewController()->fault().isEmpty() &&
+                 !isReadByItself())
             Q_EMIT newsCame(viewController()->status());
     });
     takeFault();
@@ -49,6 +50,12 @@ void DataSourceTab::sourceChanged(const KeyChange& change) {
     const QFileInfo info(expandedPath(file->filename()));
     if (file->filename().isEmpty() || (info.isFile() && info.isReadable()))
         Q_EMIT readWasGivenUp(reason);
+}
+
+/// A file that is read twice a second is no news.
+bool DataSourceTab::isReadByItself() const {
+    const auto* file = qobject_cast<const XPTextFile*>(m_source.get());
+    return file != nullptr && file->isReadByItself();
 }
 
 void DataSourceTab::takeFilename() {

@@ -22,6 +22,7 @@ class DataSourceTab : public QXTabBarItem {
     void readWasGivenUp(const QString& reason);
 
   private:
+    bool isReadByItself() const;
     void takeFilename();
     void takeFault();
     void sourceChanged(const KeyChange& change);

@@ -49,8 +49,10 @@ void PreviewTableView::setModel(PreviewTableModel* model) {
     if (m_model != nullptr)
         disconnect(m_model, nullptr, this, nullptr);
     m_model = model;
-    if (m_model != nullptr)
+    if (m_model != nullptr) {
         connect(m_model, &QAbstractItemModel::modelReset, this, &PreviewTableView::tableChanged);
+        connect(m_model, &QAbstractItemModel::layoutChanged, this, &PreviewTableView::tableReplaced);
+    }
     tableChanged();
 }
 
@@ -120,6 +122,16 @@ std::optional<QPoint> PreviewTableView::cellAt(const QPoint& place) const {
 
 void PreviewTableView::tableChanged() {
     m_anchor = m_current = QPoint(-1, -1);
+    tableReplaced();
+}
+
+/// The selection stays, cut to the cells that there are.
+void PreviewTableView::tableReplaced() {
+    const QPoint last(columns() - 1, rows() - 1);
+    for (QPoint* cell : {&m_anchor, &m_current})
+        *cell = QPoint(std::min(cell->x(), last.x()), std::min(cell->y(), last.y()));
+    if (last.x() < 0 || last.y() < 0)
+        m_anchor = m_current = QPoint(-1, -1);
     measureNumbers();
     layOut();
     viewport()->update();

@@ -82,6 +82,7 @@ class PreviewTableView : public QAbstractScrollArea {
     int rows() const;
     int columns() const;
     void tableChanged();
+    void tableReplaced();
     void measureNumbers();
     void layOut();
     int columnAt(int x) const; ///< x in the whole table

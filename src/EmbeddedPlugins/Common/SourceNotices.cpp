@@ -128,6 +128,10 @@ QStringList delimiterTitles() {
 QList<SourceNotice> noticesOf(const SourceFacts& facts) {
     QList<SourceNotice> notices;
     addFault(notices, facts);
+    if (facts.changedOnDisk)
+        notices.append({NoticeKind::ChangedOnDisk,
+                        tr("%1 changed on the disk.").arg(quoted(QFileInfo(facts.path).fileName())),
+                        tr("Reload")});
     if (facts.head.kind != TextKind::Utf8) {
         const QString what =
             facts.head.kind == TextKind::Utf16 ? tr("is UTF-16 text") : tr("holds zero bytes");

@@ -9,7 +9,16 @@
 #include <optional>
 
 /// In the order in which they come first.
-enum class NoticeKind { FileGone, Unreadable, NotUtf8, WindowsLineEnds, OneColumn, ColumnNames, EmptyColumn };
+enum class NoticeKind {
+    FileGone,
+    Unreadable,
+    ChangedOnDisk,
+    NotUtf8,
+    WindowsLineEnds,
+    OneColumn,
+    ColumnNames,
+    EmptyColumn
+};
 
 struct SourceNotice {
     NoticeKind kind;
@@ -34,6 +43,7 @@ struct SourceFacts {
     QString path; ///< the file's, with the home folder spelled out; empty without a file
     QString readError;
     bool fileExists = true;
+    bool changedOnDisk = false; ///< since it was read
     SplitSettings settings;
     QStringList columnNames; ///< without the row number
     HeadSurvey head;

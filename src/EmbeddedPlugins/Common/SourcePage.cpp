@@ -26,6 +26,9 @@
 
 namespace {
 
+/// For so long nothing is said of a read that nobody asked for.
+constexpr qint64 quietMilliseconds = 1000;
+
 constexpr std::array<const char*, 5> observedKeys{"data", "title", "progress", "isLoading", "readError"};
 
 QString grouped(std::uint64_t number) {
@@ -182,10 +185,13 @@ void SourcePage::refreshDataTable() {
     if (m_view == nullptr)
         return;
     setProgress(100);
-    if (m_survey)
+    const bool byItself = m_plugin != nullptr && m_plugin->isReadByItself();
+    if (m_survey && !byItself)
         m_survey->table.reset(); // of the table before
     if (m_plugin == nullptr)
         m_model.setTable(nullptr, {});
+    else if (byItself)
+        m_model.replaceTable(m_plugin->data(), m_plugin->columnNames());
     else
         m_model.setTable(m_plugin->data(), m_plugin->columnNames());
     showState();
@@ -267,6 +273,8 @@ QString SourcePage::statusText() const {
 /// Assigns what has changed alone: every assignment makes the window lay out its status line.
 void SourcePage::showState() {
     const bool reading = m_plugin != nullptr && m_plugin->isLoading();
+    if (reading && m_plugin->isReadByItself() && !m_readClock.hasExpired(quietMilliseconds))
+        return; // what is shown still holds, and does not flicker twice a second
     m_outlets.dataTable->setReading(reading ? std::optional(m_plugin->progress()) : std::nullopt);
     m_outlets.dataTable->setEmptyText(reading ? QString() : emptyText());
     m_outlets.countLabel->setText(countText());

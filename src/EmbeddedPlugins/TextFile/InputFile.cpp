@@ -34,7 +34,7 @@ QString expandedPath(const QString& path) {
 }
 
 InputFile openInputFile(const QString& path) {
-    const auto refuse = [](const QString& reason) { return InputFile{nullptr, 0, reason}; };
+    const auto refuse = [](const QString& reason) { return InputFile{nullptr, 0, std::nullopt, reason}; };
     if (path.isEmpty())
         return refuse(QStringLiteral("No file name"));
     const QByteArray name = QFile::encodeName(expandedPath(path));
@@ -59,5 +59,6 @@ InputFile openInputFile(const QString& path) {
     }
     if (!statusError.isEmpty())
         return refuse(statusError);
-    return {std::move(file), static_cast<std::uint64_t>(status.st_size), QString()};
+    return {std::move(file), static_cast<std::uint64_t>(status.st_size), FileStamp::ofDescriptor(descriptor),
+            QString()};
 }

@@ -1,17 +1,21 @@
 // Opens data files: regular files only, so that nothing blocks.
 #pragma once
 
+#include "EmbeddedPlugins/TextFile/FileStamp.h"
+
 #include <QString>
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 class QFile;
 
 struct InputFile {
-    std::unique_ptr<QFile> file; ///< open and unbuffered; null when it was refused
-    std::uint64_t length = 0;    ///< bytes; 0 for files that the system makes up as they are read
-    QString refusal;             ///< why, in the system's words: "No such file or directory"
+    std::unique_ptr<QFile> file;    ///< open and unbuffered; null when it was refused
+    std::uint64_t length = 0;       ///< bytes; 0 for files that the system makes up as they are read
+    std::optional<FileStamp> stamp; ///< of the file that was opened
+    QString refusal;                ///< why, in the system's words: "No such file or directory"
 };
 
 /// The path with "~" or "~/" at its start as the home folder.

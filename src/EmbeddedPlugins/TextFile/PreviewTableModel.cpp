@@ -27,6 +27,13 @@ void PreviewTableModel::setTable(XTable table, QStringList columnNames) {
     endResetModel();
 }
 
+void PreviewTableModel::replaceTable(XTable table, QStringList columnNames) {
+    Q_EMIT layoutAboutToBeChanged();
+    m_table = std::move(table);
+    m_columnNames = std::move(columnNames);
+    Q_EMIT layoutChanged();
+}
+
 int PreviewTableModel::rowCount(const QModelIndex& parent) const {
     if (parent.isValid() || m_table == nullptr)
         return 0;

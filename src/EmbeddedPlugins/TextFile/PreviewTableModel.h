@@ -28,6 +28,9 @@ class PreviewTableModel : public QAbstractTableModel {
     /// table there are no rows.
     void setTable(XTable table, QStringList columnNames);
 
+    /// Shows what the same source holds now: what is selected and where the view is stays, where it still is.
+    void replaceTable(XTable table, QStringList columnNames);
+
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;

@@ -5,6 +5,8 @@
 #include "Core/Assertions.h"
 #include "EmbeddedPlugins/TextEditor/XPTextEditor.h"
 #include "EmbeddedPlugins/TextFile/InputFile.h"
+#include "EmbeddedPlugins/TextFile/LiveFile.h"
+#include "EmbeddedPlugins/TextFile/LiveFiles.h"
 #include "EmbeddedPlugins/TextFile/XPDataReader.h"
 #include "EmbeddedPlugins/TextFile/XPTextFileFactory.h"
 #include "Platform/Core/FreeMemory.h"
@@ -61,7 +63,36 @@ QString nameFromUtf8(const std::string& bytes) {
 
 } // namespace
 
-XPTextFile::XPTextFile(QObject* parent) : XDataSourceProtocol(parent), m_title(QStringLiteral("[No file]")) {
+/// What the file that is followed does to its source.
+class XPTextFile::Follower final : public LiveFileSource {
+  public:
+    explicit Follower(XPTextFile& source) : m_source(source), file(*this) {}
+
+  private:
+    bool isReadingFile() const override { return m_source.isLoading(); }
+    bool hasRowsOfFile() const override {
+        const XTable table = m_source.data();
+        return table != nullptr && table->rowsNumber() > 0 && table->columnsNumber() > 0;
+    }
+    void readByItself() override {
+        m_source.m_isReadByItself = true;
+        m_source.requestRead();
+    }
+    void fileIsBack() override { m_source.setReadError(QString()); }
+    void setChangedOnDisk(bool changed) override {
+        m_source.assign(m_source.m_isChangedOnDisk, changed, "isChangedOnDisk");
+    }
+    void isLiveChanged() override { m_source.announce("isLive", {}, m_source.isLive()); }
+
+    XPTextFile& m_source;
+
+  public:
+    LiveFile file; ///< last: it tells the rest
+};
+
+XPTextFile::XPTextFile(QObject* parent)
+    : XDataSourceProtocol(parent), m_title(QStringLiteral("[No file]")),
+      m_follower(std::make_unique<Follower>(*this)) {
     m_progressTimer.setInterval(progressIntervalMs);
     connect(&m_progressTimer, &QTimer::timeout, this, [this] { announce("progress", {}, progress()); });
 }
@@ -111,10 +142,21 @@ void XPTextFile::setPlist(const QVariantMap& settings) {
 }
 
 void XPTextFile::setFilename(QString filename) {
+    const bool wasLive = isLive();
     const QString old = std::exchange(m_filename, std::move(filename));
     setTitle(m_filename.isEmpty() ? QStringLiteral("[No file]") : lastPathComponent(m_filename));
     addFilenameToHistory(m_filename);
     announce("filename", old, m_filename);
+    if (isLive() != wasLive)
+        announce("isLive", wasLive, isLive());
+}
+
+bool XPTextFile::isLive() const {
+    return LiveFiles::contains(m_filename);
+}
+
+void XPTextFile::setLive(bool live) {
+    LiveFiles::set(m_filename, live); // which tells all sources of that file
 }
 
 void XPTextFile::setDelimiterType(int type) {
@@ -156,7 +198,9 @@ void XPTextFile::addFilenameToHistory(const QString& filename) {
 // ---- Reading
 
 bool XPTextFile::initReadData() {
+    m_follower->file.readBegins(filename()); // before the file is opened, so that no change is missed
     InputFile input = openInputFile(filename());
+    m_follower->file.fileOpened(input.stamp, input.file == nullptr);
     setReadError(input.refusal);
     m_input = std::move(input.file);
     m_inputStreamLength = input.length;
@@ -167,10 +211,16 @@ std::unique_ptr<QIODevice> XPTextFile::createInputStream() {
     return std::move(m_input);
 }
 
+bool XPTextFile::read() {
+    m_isReadByItself = false;
+    requestRead();
+    return true;
+}
+
 /// The start is left to the event loop, and so is the end of a read that is cancelled for another: nothing
 /// waits in a nested loop, in which this object could be read again, cleaned or destroyed; and several
 /// requests are one.
-bool XPTextFile::read() {
+void XPTextFile::requestRead() {
     m_readRequested = true;
     if (m_reader != nullptr) {
         m_reader->cancelReading();
@@ -181,13 +231,12 @@ bool XPTextFile::read() {
         });
     }
     setIsLoading(true);
-    return true;
 }
 
 /// Starts the read that was asked for, if it still is.
 void XPTextFile::startRead() {
     if (!std::exchange(m_readRequested, false) || !initReadData()) {
-        setIsLoading(false);
+        endLoading(false);
         return;
     }
     m_reader = std::make_unique<XPDataReader>(createInputStream());
@@ -232,7 +281,14 @@ void XPTextFile::finishRead(const ReadResult& result) {
     if (m_readRequested)
         startRead();
     else
-        setIsLoading(false);
+        endLoading(result.failed);
+}
+
+void XPTextFile::endLoading(bool failed) {
+    const QPointer<XPTextFile> self(this);
+    setIsLoading(false);
+    if (self != nullptr && !m_isLoading)
+        m_follower->file.readEnded(failed);
 }
 
 void XPTextFile::closeReadData() {
@@ -242,6 +298,7 @@ void XPTextFile::closeReadData() {
 
 void XPTextFile::clean() {
     m_readRequested = false;
+    m_follower->file.stop();
     if (m_reader != nullptr)
         m_reader->cancelReading();
     setData(nullptr);

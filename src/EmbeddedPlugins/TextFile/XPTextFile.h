@@ -28,6 +28,8 @@ class XPTextFile : public XDataSourceProtocol {
     Q_PROPERTY(bool isLoading READ isLoading)
     Q_PROPERTY(double progress READ progress)
     Q_PROPERTY(QString readError READ readError)
+    Q_PROPERTY(bool isLive READ isLive WRITE setLive)
+    Q_PROPERTY(bool isChangedOnDisk READ isChangedOnDisk)
 
   public:
     static constexpr const char* identifier = "com.quarnix.textfile";
@@ -62,6 +64,15 @@ class XPTextFile : public XDataSourceProtocol {
     void clean() override;
     bool isLoading() const override { return m_isLoading; }
     const QString& readError() const override { return m_readError; }
+    /// Whether the file is read by itself whenever it changes. A setting of the user's for that path, in
+    /// every document; nothing of the source's own, nothing to undo.
+    bool isLive() const;
+    void setLive(bool live);
+    /// Whether the file is another one than the one that was read last. Announced for every newer state of
+    /// the file, too. Only where a FileWatcher is shared.
+    bool isChangedOnDisk() const { return m_isChangedOnDisk; }
+    /// Whether the read that runs, or the latest one, was started because the file had changed.
+    bool isReadByItself() const { return m_isReadByItself; }
     /// What part of the input was read, 0 to 1; NaN when no read runs or the length is unknown.
     double progress() const;
     std::uint64_t inputStreamLength() const { return m_inputStreamLength; }
@@ -88,6 +99,8 @@ class XPTextFile : public XDataSourceProtocol {
     void setInputStreamLength(std::uint64_t length) { m_inputStreamLength = length; }
 
   private:
+    class Follower;
+
     struct ReadResult {
         XTable table;
         QString error;
@@ -98,7 +111,9 @@ class XPTextFile : public XDataSourceProtocol {
     static void handOver(const QPointer<XPTextFile>& source, ReadResult result);
     void finishRead(const ReadResult& result);
     void closeReadData();
+    void endLoading(bool failed);
     void setIsLoading(bool loading);
+    void requestRead();
 
     QString m_title;
     QString m_filename;
@@ -109,10 +124,13 @@ class XPTextFile : public XDataSourceProtocol {
     std::optional<std::uint64_t> m_memoryLimit;
     bool m_isLoading = false;
     bool m_readRequested = false;
+    bool m_isChangedOnDisk = false;
+    bool m_isReadByItself = false;
     QTimer m_progressTimer;
     mutable std::mutex m_tableMutex;
     XTable m_data;
     mutable QStringList m_columnNames;      ///< made when asked for; empty means not made
     OperationQueue m_disposal{1};           ///< lets go of tables that nobody reads any more
+    std::unique_ptr<Follower> m_follower;   ///< of the file on the disk
     std::unique_ptr<XPDataReader> m_reader; ///< last, so that its thread ends first
 };

@@ -9,11 +9,11 @@
 #include "Platform/Core/MainThread.h"
 #include "Platform/Core/UserDefaults.h"
 #include "Platform/Widgets/Binding.h"
+#include "Platform/Widgets/FilePanels.h"
 #include "Platform/Widgets/Pictures.h"
 #include "Platform/Widgets/ThemeColors.h"
 #include "ui_XPTextFileConfig.h"
 
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QLocale>
 
@@ -82,10 +82,7 @@ void XPTextFileConfig::awakeFromNib() {
     connect(m_ui->dataTable, &PreviewTableView::refreshRequested, this, &XPTextFileConfig::onReload);
     connect(m_ui->noticeBar, &NoticeBar::actionClicked, this, &XPTextFileConfig::onNoticeAction);
     connect(m_ui->noticeBar, &NoticeBar::dismissed, this, [this] {
-        const auto shown =
-            std::find_if(m_notices.begin(), m_notices.end(),
-                         [this](const SourceNotice& notice) { return !m_dismissed.contains(notice.kind); });
-        if (shown != m_notices.end())
+        if (const SourceNotice* shown = shownNotice())
             m_dismissed.insert(shown->kind);
         showNotice();
     });
@@ -96,8 +93,11 @@ void XPTextFileConfig::setPlugin(XPTextFile* plugin) {
     m_notices.clear();
     m_dismissed.clear();
     showNotice();
+    m_changeOnDisk.end();
     observePlugin(plugin);
     if (plugin != nullptr) {
+        static constexpr const char* keys[] = {"isChangedOnDisk", "readError"};
+        m_changeOnDisk = Observation(*plugin, keys, [this](const KeyChange& change) { fileChanged(change); });
         m_ui->filenameCombobox->lineEdit()->setReadOnly(plugin->isSandboxed());
         bindControls();
     }
@@ -108,6 +108,9 @@ void XPTextFileConfig::bindControls() {
     bind(m_ui->filenameCombobox->lineEdit(), *plugin(), "filename");
     bind(m_ui->skiplinesField, *plugin(), "skiplines", lineCount(plugin(), "skiplines"));
     bind(m_ui->everyNthLineField, *plugin(), "everyNthLine", lineCount(plugin(), "everyNthLine"));
+    bind(m_ui->liveBox, *plugin(), "isLive");
+    follow(m_ui->liveBox, *plugin(), "filename",
+           [box = m_ui->liveBox](const QVariant& name) { box->setEnabled(!name.toString().isEmpty()); });
 }
 
 void XPTextFileConfig::observeValueForKeyPath(const KeyChange& change) {
@@ -155,15 +158,24 @@ void XPTextFileConfig::chooseFilename(const QString& path) {
 }
 
 void XPTextFileConfig::onBrowse() {
-    if (m_openPanel != nullptr || plugin() == nullptr)
+    if (m_isChoosing || plugin() == nullptr || view() == nullptr)
         return;
-    const QString folder = QFileInfo(expandedPath(plugin()->filename())).path();
-    m_openPanel = new QFileDialog(view(), tr("Choose a data file"), folder);
-    m_openPanel->setAttribute(Qt::WA_DeleteOnClose);
-    m_openPanel->setFileMode(QFileDialog::ExistingFile);
-    m_openPanel->setOption(QFileDialog::ReadOnly); // no new folders
-    connect(m_openPanel, &QFileDialog::fileSelected, this, &XPTextFileConfig::chooseFilename);
-    m_openPanel->open();
+    m_isChoosing = true;
+    const QString& path = plugin()->filename();
+    FilePanels::shared().choose(
+        view(),
+        {.purpose = FilePanel::Purpose::OpenOne,
+         .title = tr("Choose a Data File"),
+         .filters = {tr("All files (*)")},
+         .folderKey = path.isEmpty() ? QStringLiteral("DataFilesFolder") : QString(),
+         .startFolder = path.isEmpty() ? QString() : QFileInfo(expandedPath(path)).absolutePath()},
+        [page = QPointer<XPTextFileConfig>(this)](const QStringList& paths) {
+            if (page == nullptr)
+                return;
+            page->m_isChoosing = false;
+            if (!paths.isEmpty())
+                page->chooseFilename(paths.first());
+        });
 }
 
 void XPTextFileConfig::onReload() {
@@ -177,11 +189,27 @@ QString XPTextFileConfig::surveyedPath() const {
 }
 
 void XPTextFileConfig::surveyChanged() {
+    updateNotices();
+}
+
+/// What a read finds out is told when it ended and was looked at; the rest, at once.
+void XPTextFileConfig::fileChanged(const KeyChange& change) {
+    const bool isOfARead = plugin()->isLoading() || !plugin()->readError().isEmpty();
+    if (change.key == std::string_view("readError") && isOfARead)
+        return;
+    m_dismissed.erase(NoticeKind::ChangedOnDisk); // that was the change before
+    updateNotices();
+}
+
+void XPTextFileConfig::updateNotices() {
+    if (plugin() == nullptr || view() == nullptr || !survey())
+        return; // the file has not been looked at yet
     const XPTextFile& source = *plugin();
     m_facts = {
         surveyedPath(),
         source.readError(),
         survey()->fileExists,
+        source.isChangedOnDisk(),
         {source.skiplines(), source.everyNthLine(), source.delimiterType(), source.extractColumnNames()},
         source.columnNames().mid(1),
         survey()->head,
@@ -194,27 +222,29 @@ void XPTextFileConfig::surveyChanged() {
     showNotice();
 }
 
-void XPTextFileConfig::showNotice() {
-    for (const SourceNotice& notice : m_notices) {
-        if (m_dismissed.contains(notice.kind))
-            continue;
-        m_ui->noticeBar->showNotice(notice.text, notice.action, notice.isFault());
-        return;
-    }
-    m_ui->noticeBar->showNotice(QString(), QString(), false);
-}
-
-void XPTextFileConfig::onNoticeAction() {
+const SourceNotice* XPTextFileConfig::shownNotice() const {
     const auto shown = std::find_if(m_notices.begin(), m_notices.end(), [this](const SourceNotice& notice) {
         return !m_dismissed.contains(notice.kind);
     });
-    if (shown == m_notices.end() || plugin() == nullptr)
+    return shown == m_notices.end() ? nullptr : &*shown;
+}
+
+void XPTextFileConfig::showNotice() {
+    if (const SourceNotice* shown = shownNotice())
+        m_ui->noticeBar->showNotice(shown->text, shown->action, shown->isFault());
+    else
+        m_ui->noticeBar->showNotice(QString(), QString(), false);
+}
+
+void XPTextFileConfig::onNoticeAction() {
+    const SourceNotice* shown = shownNotice();
+    if (shown == nullptr || plugin() == nullptr)
         return;
     if (shown->kind == NoticeKind::FileGone) {
         onBrowse();
         return;
     }
-    if (shown->kind == NoticeKind::Unreadable) {
+    if (shown->kind == NoticeKind::Unreadable || shown->kind == NoticeKind::ChangedOnDisk) {
         plugin()->read();
         return;
     }

@@ -12,7 +12,6 @@
 
 class NoticeBar;
 class QComboBox;
-class QFileDialog;
 
 namespace Ui {
 class XPTextFileConfig;
@@ -53,6 +52,9 @@ class XPTextFileConfig : public SourcePage {
     void bindControls();
     void updateRecentFiles();
     void chooseFilename(const QString& path);
+    void fileChanged(const KeyChange& change);
+    void updateNotices();
+    const SourceNotice* shownNotice() const; ///< null without one
     void showNotice();
     void onNoticeAction();
 
@@ -60,5 +62,6 @@ class XPTextFileConfig : public SourcePage {
     SourceFacts m_facts;
     QList<SourceNotice> m_notices; ///< that hold
     std::set<NoticeKind> m_dismissed;
-    QPointer<QFileDialog> m_openPanel;
+    bool m_isChoosing = false; ///< a file panel is open
+    Observation m_changeOnDisk;
 };
