@@ -13,6 +13,7 @@ velquin_library(platform
     Platform/Core/Observable.h
     Platform/Core/OperationQueue.h
     Platform/Core/PendingEdits.h
+    Platform/Core/PlacedFile.h
     Platform/Core/PropertyList.h
     Platform/Core/PropertyListFormats.h
     Platform/Core/TypedNumber.h
@@ -31,10 +32,10 @@ velquin_library(platform
     Platform/Core/NotificationCenter.cpp
     Platform/Core/Observable.cpp
     Platform/Core/OperationQueue.cpp
+    Platform/Core/PlacedFile.cpp
     Platform/Core/PropertyList.cpp
     Platform/Core/PropertyListBinary.cpp
     Platform/Core/PropertyListFile.cpp
-    Platform/Core/PlacedFile.cpp
     Platform/Core/PropertyListXml.cpp
     Platform/Core/TypedNumber.cpp
     Platform/Core/UndoManager.cpp

@@ -132,7 +132,7 @@ void XGraphViewController::observeValueForKeyPath(const KeyChange& change) {
         takeOptions();
     static constexpr std::array ofRanges{"axisMinX", "axisMaxX",   "axisMinY",
                                          "axisMaxY", "axisX_type", "axisY_type"};
-    if (std::ranges::any_of(ofRanges, isKey))
+    if (isFittedToData() && std::ranges::any_of(ofRanges, isKey))
         followData();
     else if (isKey("axisMinX") || isKey("axisMaxX")) // a new limit shows, wherever the plot was moved
         plotView().scene().fitAxisX();
