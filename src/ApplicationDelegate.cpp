@@ -1,11 +1,34 @@
+// Start-up, and the windows and pages that menus ask for.
 #include "ApplicationDelegate.h"
 
+#include "Classes/WindowControllers/MoxDocumentWindow.h"
+#include "Platform/Core/UserDefaults.h"
+#include "Platform/Widgets/DesktopOpening.h"
 #include "Product.h"
 
-#include <QDesktopServices>
-#include <QUrl>
+#include <utility>
 
-ApplicationDelegate::ApplicationDelegate(QObject* parent) : ApplicationActions(parent) {
+using namespace Qt::StringLiterals;
+
+namespace {
+
+void writeMissingDefaults() {
+    UserDefaults& defaults = UserDefaults::standard();
+    const std::pair<QString, QVariant> rows[] = {
+        {u"SUEnableAutomaticChecks"_qs, 1}, {u"SUSendProfileInfo"_qs, 1}, // kept for other programs; nothing
+                                                                          // is sent
+        {u"SnapshotsDirType"_qs, 2},        {u"SnapshotsDir"_qs, QString()}, {u"SnapshotsFormat"_qs, 0},
+    };
+    for (const auto& [key, value] : rows) {
+        if (!defaults.contains(key))
+            defaults.set(key, value);
+    }
+}
+
+} // namespace
+
+ApplicationDelegate::ApplicationDelegate(UpdateController::Configuration updates, QObject* parent)
+    : ApplicationActions(parent), m_updatesConfiguration(std::move(updates)) {
     m_documents.setApplication(this);
 }
 
@@ -14,12 +37,24 @@ ApplicationDelegate::~ApplicationDelegate() {
 }
 
 void ApplicationDelegate::applicationDidFinishLaunching() {
+    m_updates = std::make_unique<UpdateController>(m_updatesConfiguration,
+                                                   [this] { return m_documents.mainWindow(); });
+    writeMissingDefaults();
     setPlotInspectorVisible(false);
+    m_updates->startAutomaticChecks();
 }
 
-void ApplicationDelegate::onAboutPanel() {}
+void ApplicationDelegate::onAboutPanel() {
+    if (m_controller == nullptr)
+        m_controller = std::make_unique<AboutWindowController>();
+    m_controller->makeKeyAndOrderFront();
+}
 
-void ApplicationDelegate::showPreferencesWindow() {}
+void ApplicationDelegate::showPreferencesWindow() {
+    if (m_pwc == nullptr)
+        m_pwc = std::make_unique<PreferencesWindowController>(!m_updatesConfiguration.feed.isEmpty());
+    m_pwc->makeKeyAndOrderFront();
+}
 
 void ApplicationDelegate::setPlotInspectorVisible(bool visible) {
     if (visible == m_plotInspectorVisible)
@@ -29,15 +64,24 @@ void ApplicationDelegate::setPlotInspectorVisible(bool visible) {
 }
 
 void ApplicationDelegate::openCommunityForum() {
-    QDesktopServices::openUrl(QUrl(QLatin1String(Product::forum)));
+    openWebPage(Product::forum);
 }
 
 void ApplicationDelegate::openCommunityForumBugReport() {
-    QDesktopServices::openUrl(QUrl(QLatin1String(Product::bugReports)));
+    openWebPage(Product::bugReports);
 }
 
 void ApplicationDelegate::openCommunityForumFeatureRequest() {
-    QDesktopServices::openUrl(QUrl(QLatin1String(Product::featureRequests)));
+    openWebPage(Product::featureRequests);
 }
 
-void ApplicationDelegate::checkForUpdates(QWidget*) {}
+void ApplicationDelegate::openWebPage(const char* page) {
+    DesktopOpening::openWebPage(QUrl(QLatin1String(page)), m_documents.mainWindow());
+}
+
+void ApplicationDelegate::checkForUpdates(QWidget* from) {
+    m_updates->checkForUpdates(from);
+    auto* window = qobject_cast<MoxDocumentWindow*>(from);
+    if (window != nullptr && m_updates->isChecking())
+        window->showMessage(tr("Looking for a new version…"));
+}

@@ -1,20 +1,29 @@
 // The application around the documents: start-up, and the windows that belong to no document.
 #pragma once
 
+#include "Classes/Updates/UpdateController.h"
+#include "Classes/WindowControllers/AboutWindowController.h"
 #include "Classes/WindowControllers/ApplicationActions.h"
 #include "Classes/WindowControllers/DocumentController.h"
+#include "Classes/WindowControllers/PreferencesWindowController.h"
+
+#include <memory>
 
 /// Owns the document controller. Main thread.
 class ApplicationDelegate : public ApplicationActions {
     Q_OBJECT
 
   public:
-    explicit ApplicationDelegate(QObject* parent = nullptr);
+    explicit ApplicationDelegate(
+        UpdateController::Configuration updates = UpdateController::productConfiguration(),
+        QObject* parent = nullptr);
     ~ApplicationDelegate() override;
 
     DocumentController& documents() { return m_documents; }
+    AboutWindowController* controller() const { return m_controller.get(); } ///< null before it was asked for
+    PreferencesWindowController* pwc() const { return m_pwc.get(); }         ///< the same
 
-    /// Called once, before the first document opens.
+    /// Called once, before the first document opens. Writes the defaults of settings that are not there yet.
     void applicationDidFinishLaunching();
 
     void onAboutPanel() override;
@@ -30,6 +39,12 @@ class ApplicationDelegate : public ApplicationActions {
     void checkForUpdates(QWidget* from) override;
 
   private:
+    void openWebPage(const char* page);
+
+    const UpdateController::Configuration m_updatesConfiguration;
     DocumentController m_documents;
+    std::unique_ptr<UpdateController> m_updates; ///< from the end of launching on
+    std::unique_ptr<AboutWindowController> m_controller;
+    std::unique_ptr<PreferencesWindowController> m_pwc;
     bool m_plotInspectorVisible = false;
 };

@@ -9,6 +9,13 @@ velquin_library(application
     Classes/SingleInstance/InstanceMessage.h
     Classes/SingleInstance/InstancePlace.h
     Classes/SingleInstance/InstanceServer.h
+    Classes/Updates/FeedDownload.h
+    Classes/Updates/ReleaseFeed.h
+    Classes/Updates/UpdateController.h
+    Classes/Updates/Version.h
+    Classes/WindowControllers/AboutWindowController.h
+    Classes/WindowControllers/PreferencesWindowController.h
+    Classes/WindowControllers/XWindowController.h
   SOURCES
     ApplicationDelegate.cpp
     Classes/SingleInstance/DesktopSession.cpp
@@ -16,6 +23,13 @@ velquin_library(application
     Classes/SingleInstance/InstanceMessage.cpp
     Classes/SingleInstance/InstancePlace.cpp
     Classes/SingleInstance/InstanceServer.cpp
+    Classes/Updates/FeedDownload.cpp
+    Classes/Updates/ReleaseFeed.cpp
+    Classes/Updates/UpdateController.cpp
+    Classes/Updates/Version.cpp
+    Classes/WindowControllers/AboutWindowController.cpp
+    Classes/WindowControllers/PreferencesWindowController.cpp
+    Classes/WindowControllers/XWindowController.cpp
   USES velquin_shell Qt6::Network
   PRIVATE_USES PkgConfig::xcb)
 set_target_properties(velquin_application PROPERTIES AUTOUIC ON)
