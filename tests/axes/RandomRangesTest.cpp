@@ -2,22 +2,17 @@
 #include "Classes/Axes/XAxis.h"
 #include "Classes/Axes/XAxisManager.h"
 
+#include "support/TestSupport.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <bit>
 #include <chrono>
 #include <cmath>
-#include <cstdlib>
 #include <random>
 
 namespace {
-
-/// VELQUIN_ROUNDS=1000000 for a long look.
-int rounds() {
-    const char* asked = std::getenv("VELQUIN_ROUNDS");
-    return asked == nullptr ? 2'000 : std::max(1, std::atoi(asked));
-}
 
 class Chance {
   public:
@@ -70,7 +65,7 @@ TEST(RandomRanges, GiveFewMarksInOrderAndTexts) {
     Chance chance;
     std::chrono::nanoseconds longest{};
     std::string slowest;
-    for (int i = 0, n = rounds(); i < n; ++i) {
+    for (int i = 0, n = support::rounds(2'000); i < n; ++i) {
         const XValueRange range = chance.range();
         const int length = chance.length();
         for (const XAxisInfo& kind : XAxisManager::sharedManager().axisTypes()) {

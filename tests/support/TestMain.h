@@ -5,6 +5,7 @@
 #include "Platform/Core/UserDefaults.h"
 #include "support/TestSupport.h"
 
+#include <QTemporaryDir>
 #include <QtGlobal>
 
 #include <gtest/gtest.h>
@@ -36,6 +37,8 @@ int runAllTests(int argc, char** argv, const std::function<void()>& setUp = {},
     testing::InitGoogleTest(&argc, argv);
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QTemporaryDir state; // what was left of the user's own program is nobody's business
+    qputenv("XDG_STATE_HOME", state.path().toLocal8Bit());
     const Application application(argc, argv);
     if (setUp)
         setUp();

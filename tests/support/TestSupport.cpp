@@ -161,4 +161,9 @@ bool waitUntil(const std::function<bool()>& done, int seconds) {
     return reached;
 }
 
+int rounds(int usual) {
+    const int asked = qEnvironmentVariableIntValue("VELQUIN_ROUNDS");
+    return asked > 0 ? asked : usual;
+}
+
 } // namespace support

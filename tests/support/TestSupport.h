@@ -75,6 +75,9 @@ class ScratchFolder {
 /// `MainThread::runUntil` it cannot hang a broken build.
 [[nodiscard]] bool waitUntil(const std::function<bool()>& done, int seconds = 20);
 
+/// How often to try by chance: `usual`, or VELQUIN_ROUNDS for a long look by hand.
+int rounds(int usual);
+
 /// The loop of every test; a test of shutting down ends it and puts a new one in its place.
 std::optional<MainThreadLoop>& mainThreadLoop();
 
