@@ -5,6 +5,8 @@ velquin_library(shell
     Classes/GraphViewController/PaneSplitter.h
     Classes/GraphViewController/PaperView.h
     Classes/GraphViewController/PlotTitleField.h
+    Classes/GraphViewController/ShutterSound.h
+    Classes/GraphViewController/SnapshotWriter.h
     Classes/GraphViewController/StripView.h
     Classes/GraphViewController/XGraphViewController.h
     Classes/PlotView/InPlaceField.h
@@ -31,9 +33,12 @@ velquin_library(shell
     Classes/GraphViewController/PaneSplitter.cpp
     Classes/GraphViewController/PaperView.cpp
     Classes/GraphViewController/PlotTitleField.cpp
+    Classes/GraphViewController/ShutterSound.cpp
+    Classes/GraphViewController/SnapshotWriter.cpp
     Classes/GraphViewController/StripView.cpp
     Classes/GraphViewController/XGraphViewController.cpp
     Classes/GraphViewController/XGraphViewControllerPanes.cpp
+    Classes/GraphViewController/XGraphViewControllerSnapshots.cpp
     Classes/PlotView/InPlaceField.cpp
     Classes/PlotView/QuickHelpCard.cpp
     Classes/PlotView/XGraphLegend.cpp

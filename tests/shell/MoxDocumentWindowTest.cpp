@@ -301,7 +301,7 @@ TEST_F(MoxDocumentWindowTest, theWindowShowsTheLegendAndTakesTheSizeOfPictures) 
     trigger(window, "showLegend");
     EXPECT_TRUE(window.document().showLegend());
     EXPECT_TRUE(window.menus().action("showLegend")->isChecked());
-    trigger(window, "standardSize");
+    trigger(window, "prepareToSnapshot");
     EXPECT_EQ(window.size(), QSize(920, 550));
 }
 

@@ -44,6 +44,7 @@ XGraphViewController::XGraphViewController(QObject* parent)
     m_ui->splitView->setStretchFactor(1, 1);
     setUpSidebar();
     setUpTools();
+    setUpSnapshots();
     setUpPlotView();
     setUpTitles();
     stylesChanged();

@@ -3,13 +3,17 @@
 #pragma once
 
 #include "Classes/CurvesSidebar/CCurveViewControllerDelegate.h"
+#include "Classes/GraphViewController/SnapshotWriter.h"
+#include "Classes/PlotView/PlotPage.h"
 #include "Classes/PlotView/XGraphLegend.h"
 #include "Classes/PlotView/XPlotView.h"
 #include "Platform/Core/NotificationCenter.h"
 #include "Platform/Core/XViewController.h"
 
 #include <QPointer>
+#include <QTimer>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -18,6 +22,7 @@ class MoxDocument;
 class PlotTitleField;
 class QAbstractButton;
 class QButtonGroup;
+class QPainter;
 class XAxisInfo;
 
 namespace Ui {
@@ -80,7 +85,24 @@ class XGraphViewController : public XViewController,
     void editAxisXTitle();
     void editAxisYTitle();
 
+    /// 0 saves a file, 1 copies to the clipboard, 2 shows the folder.
+    int snapshotButtonMode() const { return m_snapshotButtonMode; }
+    /// What the button would do now.
+    void onMakeSnapshot();
+    void onMakeSnapshotToFile();
+    void onMakeSnapshotToClipboard();
+    void onRevealSnapshotsFolder();
+    void onMakeSnapshotToPDF(); ///< a diagnostic: "/tmp/snapshot.pdf"
+    /// The plot with its titles and its legend as they are on the screen, in its pixels. Null when there is
+    /// no memory for it.
+    QImage getSnapshot();
+    /// Alt held reveals, else Control held copies.
+    void flagsChanged(Qt::KeyboardModifiers modifiers);
+    SnapshotWriter& snapshotWriter() { return m_snapshotWriter; }
+
   Q_SIGNALS:
+    /// The user wants to change where snapshots go.
+    void preferencesRequested();
     /// Mouse mode, sticky ruler, fitting, black background, wheel zooms, or whether a curve can be added.
     void commandStatesChanged();
 
@@ -106,6 +128,8 @@ class XGraphViewController : public XViewController,
     void curvesChanged();
     void orderFocus();
     void dataSourcesChanged();
+    QString titleText(const std::optional<QString>& (MoxDocument::*key)() const) const;
+    TitleLayout titleRooms() const; ///< in the container, y upwards
     void updateLayout();
     void updateTools();
     void updateStatusLine();
@@ -113,6 +137,18 @@ class XGraphViewController : public XViewController,
     void edit(PlotTitleField& field, bool& inFocus);
     void editTitleAt(QPoint position); ///< in the container
     void setLegendLocation();
+
+    void setUpSnapshots();
+    void noticeModifiers(QObject* object, QEvent* event);
+    void setSnapshotMode(int mode);
+    void showSnapshotMode(int mode);
+    void paintContainer(QPainter& painter, PageOutput output);
+    void blinkContainer(bool isBack);
+    void copySnapshot(const QImage& image);
+    void revealSnapshotsFolder();
+    void withSnapshotsFolder(const QString& failure, const std::function<void(const QString& folder)>& use);
+    void tellSnapshotFailure(const QString& message, const QString& reason);
+    void saySnapshot(const QString& news);
 
     std::shared_ptr<CCurveViewController> makeRow();
     std::vector<CCurveViewController*> rows() const;
@@ -141,5 +177,8 @@ class XGraphViewController : public XViewController,
     bool m_axisXTitle_inFocus = false;
     bool m_axisYTitle_inFocus = false;
     bool m_blackBackground = false;
+    int m_snapshotButtonMode = 0;
+    QTimer m_snapshotNews; ///< until the status line says something else
+    SnapshotWriter m_snapshotWriter;
     bool m_legendVisible = false;
 };

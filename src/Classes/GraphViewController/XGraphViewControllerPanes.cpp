@@ -157,6 +157,7 @@ void XGraphViewController::orderFocus() {
     QWidget* last = m_ui->firstCurveButton;
     for (CCurveViewController* row : rows())
         last = row->chainTabOrderAfter(last);
+    last = focusAfter(last, *m_ui->changedFilesBar);
     last = focusAfter(last, *m_ui->toolStrip);
     QWidget::setTabOrder(last, m_ui->plotView);
     if (m_graphLegend != nullptr)
@@ -272,17 +273,21 @@ void XGraphViewController::stylesChanged() {
         field->setStyles(styles);
 }
 
+QString XGraphViewController::titleText(const std::optional<QString>& (MoxDocument::*key)() const) const {
+    return m_document == nullptr ? QString() : (m_document->*key)().value_or(QString());
+}
+
+TitleLayout XGraphViewController::titleRooms() const {
+    return layoutTitles(QRectF(QPointF(0, 0), m_ui->plotViewContainer->size()),
+                        {.plotArea = m_plotArea_inFocus || !titleText(&MoxDocument::plotAreaTitle).isEmpty(),
+                         .axisX = m_axisXTitle_inFocus || !titleText(&MoxDocument::axisTitleX).isEmpty(),
+                         .axisY = !titleText(&MoxDocument::axisTitleY).isEmpty()});
+}
+
 void XGraphViewController::updateLayout() {
-    const auto textOf = [this](const std::optional<QString>& (MoxDocument::*key)() const) {
-        return m_document == nullptr ? QString() : (m_document->*key)().value_or(QString());
-    };
-    const QString axisY = textOf(&MoxDocument::axisTitleY);
+    const QString axisY = titleText(&MoxDocument::axisTitleY);
     const QSize container = m_ui->plotViewContainer->size();
-    const TitleLayout rooms =
-        layoutTitles(QRectF(QPointF(0, 0), container),
-                     {.plotArea = m_plotArea_inFocus || !textOf(&MoxDocument::plotAreaTitle).isEmpty(),
-                      .axisX = m_axisXTitle_inFocus || !textOf(&MoxDocument::axisTitleX).isEmpty(),
-                      .axisY = !axisY.isEmpty()});
+    const TitleLayout rooms = titleRooms();
     const auto place = [&](QWidget* field, const QRectF& room) {
         field->setEnabled(!room.isEmpty());
         field->setVisible(!room.isEmpty());
@@ -336,6 +341,7 @@ void XGraphViewController::editTitleAt(QPoint position) {
 }
 
 bool XGraphViewController::eventFilter(QObject* object, QEvent* event) {
+    noticeModifiers(object, event);
     if (object == &plotView() && event->type() == QEvent::MouseButtonDblClick) {
         // Beside the plot frame are the labels of the axes.
         const auto* click = static_cast<QMouseEvent*>(event); // NOLINT(*-static-cast-downcast): by its type

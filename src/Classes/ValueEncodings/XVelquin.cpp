@@ -11,28 +11,31 @@
 
 namespace {
 
-std::optional<QString> picturesFolder() {
+std::optional<QString> picturesFolder(QString* failure) {
     const QString path =
         QStandardPaths::writableLocation(QStandardPaths::PicturesLocation) + QStringLiteral("/Velquin");
     std::error_code error;
     std::filesystem::create_directories(path.toStdString(), error);
     if (!error)
         return path;
-    logMethod("+[XVelquin snapshotsDirectory]", QStringLiteral("Failed to create directory %1: %2")
-                                                    .arg(path, QString::fromStdString(error.message())));
+    const QString reason = QString::fromStdString(error.message());
+    logMethod("+[XVelquin snapshotsDirectory]",
+              QStringLiteral("Failed to create directory %1: %2").arg(path, reason));
+    if (failure != nullptr)
+        *failure = QStringLiteral("%1: %2").arg(path, reason);
     return std::nullopt;
 }
 
 } // namespace
 
-std::optional<QString> XVelquin::snapshotsDirectory() {
+std::optional<QString> XVelquin::snapshotsDirectory(QString* failure) {
     const UserDefaults& defaults = UserDefaults::standard();
     switch (defaults.integer(QStringLiteral("SnapshotsDirType"))) {
     case 1:
         return QStandardPaths::writableLocation(QStandardPaths::DesktopLocation);
     case 2:
     case 4:
-        return picturesFolder();
+        return picturesFolder(failure);
     case 3:
         return QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     default:

@@ -9,6 +9,7 @@
 #include "Classes/TabBar/QXGraphViewTab.h"
 #include "Classes/TabBar/QXNewSourceTabBarItem.h"
 #include "Classes/TabBar/QXTabBar.h"
+#include "Classes/WindowControllers/ApplicationActions.h"
 #include "Classes/WindowControllers/DataSourceTab.h"
 #include "Classes/WindowControllers/DocumentController.h"
 #include "Classes/WindowControllers/WindowDrops.h"
@@ -123,6 +124,10 @@ void MoxDocumentWindow::setUpGraphTab() {
     graphTabBar().addTab(new QXGraphViewTab(m_graphViewController));
     connect(m_graphViewController.get(), &XGraphViewController::commandStatesChanged, this,
             &MoxDocumentWindow::commandStatesChanged);
+    connect(m_graphViewController.get(), &XGraphViewController::preferencesRequested, this, [this] {
+        if (ApplicationActions* application = m_documents.application())
+            application->showPreferencesWindow();
+    });
     const auto showLegend = [this] { m_graphViewController->setLegendVisible(m_document->showLegend()); };
     m_legendKeys = Observation(*m_document, legendKeys, [this, showLegend](const KeyChange&) {
         showLegend();

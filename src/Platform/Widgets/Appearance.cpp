@@ -56,6 +56,7 @@ void Appearance::setTheme(Theme theme) {
 
 void Appearance::apply(const DesktopSettings& settings) {
     m_animations = settings.animations;
+    m_eventSounds = settings.eventSounds;
     if (!m_pinned && m_ownsPalette)
         applyTheme(settings.prefersDark ? (*settings.prefersDark ? Theme::Dark : Theme::Light) : m_fallback);
 }

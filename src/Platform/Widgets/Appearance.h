@@ -30,6 +30,8 @@ class Appearance : public QObject {
     /// Whether things may move; a desktop without animations turns every duration into 0.
     bool animations() const { return m_animations; }
     void setAnimations(bool on) { m_animations = on; }
+    /// Whether the desktop wants to hear of what happens.
+    bool eventSounds() const { return m_eventSounds; }
 
   Q_SIGNALS:
     void themeChanged();
@@ -43,6 +45,7 @@ class Appearance : public QObject {
     Theme m_theme = Theme::Light;
     bool m_pinned = false;
     bool m_animations = true;
+    bool m_eventSounds = true;
     bool m_ownsPalette = false;
     Theme m_fallback = Theme::Light; ///< of the palette that the desktop gave
 };

@@ -13,6 +13,7 @@ constexpr auto settingsInterface = QLatin1String("org.freedesktop.portal.Setting
 
 constexpr auto appearance = QLatin1String("org.freedesktop.appearance");
 constexpr auto gnomeInterface = QLatin1String("org.gnome.desktop.interface");
+constexpr auto gnomeSound = QLatin1String("org.gnome.desktop.sound");
 constexpr auto kdeGlobals = QLatin1String("org.kde.kdeglobals.KDE");
 
 /// A variant within a variant is what some portals send.
@@ -30,6 +31,8 @@ void DesktopSettings::take(const QString& nameSpace, const QString& key, const Q
         prefersDark = scheme == 1 ? std::optional(true) : scheme == 2 ? std::optional(false) : std::nullopt;
     } else if (nameSpace == gnomeInterface && key == QLatin1String("enable-animations")) {
         animations = value.toBool();
+    } else if (nameSpace == gnomeSound && key == QLatin1String("event-sounds")) {
+        eventSounds = value.toBool();
     } else if (nameSpace == kdeGlobals && key == QLatin1String("AnimationDurationFactor")) {
         animations = value.toDouble() > 0;
     }
@@ -45,7 +48,7 @@ void DesktopSettingsWatcher::start() {
                 SLOT(settingChanged(QDBusMessage)));
     QDBusMessage question = QDBusMessage::createMethodCall(portalService, portalPath, settingsInterface,
                                                            QStringLiteral("ReadAll"));
-    question << QStringList{appearance, gnomeInterface, kdeGlobals};
+    question << QStringList{appearance, gnomeInterface, gnomeSound, kdeGlobals};
     auto* call = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
     connect(call, &QDBusPendingCallWatcher::finished, this, &DesktopSettingsWatcher::answered);
 }

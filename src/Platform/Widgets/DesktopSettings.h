@@ -1,4 +1,4 @@
-// What the desktop wishes: dark windows or light ones, movement or none.
+// What the desktop wishes: dark windows or light ones, movement and sounds or none.
 #pragma once
 
 #include <QDBusMessage>
@@ -14,6 +14,7 @@ class QDBusPendingCallWatcher;
 struct DesktopSettings {
     std::optional<bool> prefersDark; ///< absent when the desktop does not say
     bool animations = true;
+    bool eventSounds = true;
 
     bool operator==(const DesktopSettings&) const = default;
 
