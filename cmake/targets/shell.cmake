@@ -1,6 +1,7 @@
 # shell: documents, and the widgets that show them.
 velquin_library(shell
   HEADERS
+    Classes/GraphViewController/ChangedFilesBar.h
     Classes/GraphViewController/DocumentPicture.h
     Classes/GraphViewController/PaneSplitter.h
     Classes/GraphViewController/PaperView.h
@@ -29,6 +30,7 @@ velquin_library(shell
     DocumentWindow.h
     MoxDocument.h
   SOURCES
+    Classes/GraphViewController/ChangedFilesBar.cpp
     Classes/GraphViewController/DocumentPicture.cpp
     Classes/GraphViewController/PaneSplitter.cpp
     Classes/GraphViewController/PaperView.cpp

@@ -11,6 +11,7 @@ velquin_library(widgetkit
     Classes/DropHere/XDropHereViewController.h
     Classes/HoverButton/XHoverButton.h
     Classes/SmallViews/MenuItemIcon.h
+    Classes/SmallViews/NoticeButton.h
     Classes/SmallViews/XHrefButton.h
     Classes/SmallViews/XMiniProgressIndicator.h
     Classes/SmallViews/XOpaqueView.h
@@ -43,6 +44,7 @@ velquin_library(widgetkit
     Classes/DropHere/XDropHereViewController.cpp
     Classes/HoverButton/XHoverButton.cpp
     Classes/SmallViews/MenuItemIcon.cpp
+    Classes/SmallViews/NoticeButton.cpp
     Classes/SmallViews/XHrefButton.cpp
     Classes/SmallViews/XMiniProgressIndicator.cpp
     Classes/SmallViews/XOpaqueView.cpp

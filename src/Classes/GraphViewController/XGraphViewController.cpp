@@ -95,6 +95,7 @@ void XGraphViewController::attach() {
     bind(m_ui->axisY_titleLabel, *m_document, "axisTitleY");
     takeOptions();
     setCurves();
+    m_ui->changedFilesBar->setSources(&m_document->dataSourcesManager());
     takeCurves();
     takeAxis(m_document->axisX_type(), &PlotScene::setAxisX);
     takeAxis(m_document->axisY_type(), &PlotScene::setAxisY);
@@ -113,6 +114,7 @@ void XGraphViewController::detach() {
             unbind(field);
         m_graphLegend->setCurves({}); // which ends an editing session of the document's undo manager
         removeRows();
+        m_ui->changedFilesBar->setSources(nullptr);
     }
     m_document = nullptr;
 }

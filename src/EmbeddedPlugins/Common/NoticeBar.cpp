@@ -2,11 +2,10 @@
 #include "EmbeddedPlugins/Common/NoticeBar.h"
 
 #include "Classes/HoverButton/XHoverButton.h"
+#include "Classes/SmallViews/NoticeButton.h"
 #include "Platform/Widgets/Animation.h"
-#include "Platform/Widgets/Appearance.h"
 #include "Platform/Widgets/StylePainting.h"
 
-#include <QAbstractButton>
 #include <QAccessible>
 #include <QEvent>
 #include <QKeyEvent>
@@ -24,45 +23,6 @@ constexpr int boxHeight = 32;
 constexpr int textLeft = 34;
 constexpr int closeRoom = 34; ///< right of the button
 constexpr int unfoldMilliseconds = 100;
-
-struct NoticeColors {
-    QColor text, fill, edge;
-};
-
-NoticeColors noticeColors(bool isFault) {
-    const ThemeColors& colors = currentColors();
-    return isFault ? NoticeColors{colors.errorText, colors.errorFill, colors.errorEdge}
-                   : NoticeColors{colors.warnText, colors.warnFill, colors.warnEdge};
-}
-
-/// An outlined button in the ink of its notice.
-class NoticeButton : public QAbstractButton {
-  public:
-    explicit NoticeButton(QWidget* parent) : QAbstractButton(parent) {
-        setAttribute(Qt::WA_Hover);
-        setFocusPolicy(Qt::StrongFocus);
-    }
-
-    void setFault(bool isFault) { m_isFault = isFault; }
-    QSize sizeHint() const override {
-        return {fontMetrics().horizontalAdvance(text()) + 24, 22 + std::max(0, fontMetrics().height() - 16)};
-    }
-
-  protected:
-    void paintEvent(QPaintEvent*) override {
-        QPainter painter(this);
-        const NoticeColors colors = noticeColors(m_isFault);
-        const QColor veil = isDown()       ? currentColors().pressed
-                            : underMouse() ? currentColors().hover
-                                           : QColor();
-        StylePainting::drawBox(painter, rect(), 3, veil, colors.text);
-        painter.setPen(colors.text);
-        painter.drawText(rect(), Qt::AlignCenter, text());
-    }
-
-  private:
-    bool m_isFault = false;
-};
 
 } // namespace
 
@@ -87,7 +47,7 @@ void NoticeBar::showNotice(const QString& text, const QString& action, bool isFa
     m_text = text;
     m_isFault = isFault;
     if (!text.isEmpty()) {
-        static_cast<NoticeButton*>(m_action)->setFault(isFault);
+        m_action->setFault(isFault);
         m_action->setText(action);
         m_action->setVisible(!action.isEmpty());
         m_action->setToolTip(action.isEmpty() ? QString() : text);
@@ -156,7 +116,7 @@ void NoticeBar::paintEvent(QPaintEvent*) {
     if (m_text.isEmpty())
         return;
     QPainter painter(this);
-    const NoticeColors colors = noticeColors(m_isFault);
+    const NoticeColors colors = NoticeColors::current(m_isFault);
     const QRect box(0, above, width(), openHeight() - above - below);
     StylePainting::drawBox(painter, box, 4, colors.fill, colors.edge);
     StylePainting::drawIcon(painter, QRectF(10, above, 16, box.height()),

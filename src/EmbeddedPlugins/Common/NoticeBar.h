@@ -5,7 +5,7 @@
 #include <QString>
 #include <QWidget>
 
-class QAbstractButton;
+class NoticeButton;
 class QVariantAnimation;
 class XHoverButton;
 
@@ -39,7 +39,7 @@ class NoticeBar : public QWidget {
     QString m_text;
     bool m_isFault = false;
     QWidget* m_box; ///< clips what lies in the notice while it unfolds
-    QAbstractButton* m_action;
+    NoticeButton* m_action;
     XHoverButton* m_close;
     QPointer<QVariantAnimation> m_unfolding;
 };

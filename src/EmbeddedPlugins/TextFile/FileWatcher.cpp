@@ -134,6 +134,8 @@ void FileWatcher::setShared(FileWatcher* watcher) {
 // ---- Who watches what
 
 FileWatcher::Watch FileWatcher::watch(const QString& path, std::function<void()> changed) {
+    if (m_notifier != nullptr)
+        readEvents(); // what happened before concerns those before
     std::unique_ptr<Place>& place = m_places[path];
     const bool isNew = place == nullptr;
     if (isNew) {
