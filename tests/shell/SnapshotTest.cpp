@@ -1,8 +1,8 @@
 // Snapshots of the plot: where they go, what they are called, what is on them, and the button's modes.
+#include "Classes/GraphViewController/PaperView.h"
 #include "Classes/GraphViewController/ShutterSound.h"
 #include "PageFixture.h"
 #include "Platform/Core/UserDefaults.h"
-#include "Platform/Widgets/Animation.h"
 #include "Platform/Widgets/Appearance.h"
 #include "WindowFixture.h"
 
@@ -49,7 +49,10 @@ class SnapshotTest : public PageFixture {
         return support::waitUntil([&] { return shots.fileNames() == names; });
     }
     QToolButton& button() { return part<QToolButton>("snapshotButton"); }
-    QWidget& container() { return part("plotViewContainer"); }
+    PaperView& container() { return part<PaperView>("plotViewContainer"); }
+    QColor corner() {
+        return container().grab().toImage().pixelColor(plotView().geometry().topRight() - QPoint(0, -5));
+    }
 
     support::ScratchFolder shots;
     FakeAlerts alerts;
@@ -183,9 +186,14 @@ TEST_F(SnapshotTest, heldKeysChooseWhatTheButtonDoes) {
 }
 
 TEST_F(SnapshotTest, blinksForAMoment) {
+    const QColor frame = corner();
+    ASSERT_LT(frame.red(), 250);
+    const int half = (255 + frame.red()) / 2;
     controller.onMakeSnapshotToClipboard();
-    EXPECT_EQ(Animation::opacity(container()), 0.5);
-    EXPECT_TRUE(support::waitUntil([this] { return Animation::opacity(container()) == 1; }));
+    EXPECT_NEAR(corner().red(), half, 1);
+    EXPECT_EQ(controller.getSnapshot().pixelColor(plotView().geometry().topRight() - QPoint(0, -5)), frame);
+    EXPECT_TRUE(support::waitUntil([this] { return container().opacity() == 1; }));
+    EXPECT_EQ(corner(), frame);
     // Kept: without an image it stays so. Nothing that a user can do makes the container so small.
     const support::LogRecorder log;
     container().resize(0, 0);
@@ -195,13 +203,13 @@ TEST_F(SnapshotTest, blinksForAMoment) {
     bool isLater = false;
     QTimer::singleShot(250, [&] { isLater = true; });
     EXPECT_TRUE(support::waitUntil([&] { return isLater; }));
-    EXPECT_EQ(Animation::opacity(container()), 0.5);
+    EXPECT_EQ(container().opacity(), 0.5);
     EXPECT_EQ(shots.fileNames(), QStringList());
 
-    Animation::setOpacity(container(), 1);
+    container().setOpacity(1);
     Appearance::instance().setAnimations(false);
     controller.onMakeSnapshotToClipboard();
-    EXPECT_EQ(Animation::opacity(container()), 1);
+    EXPECT_EQ(container().opacity(), 1);
 }
 
 TEST_F(SnapshotTest, showsThePlotAndNothingThatLiesOverIt) {

@@ -13,6 +13,10 @@ class PaperView : public QWidget {
 
     void setPaper(const QColor& color);
 
+    /// 0 to 1: lets the paper behind show through all that lies in this view.
+    double opacity() const { return m_opacity; }
+    void setOpacity(double opacity);
+
   Q_SIGNALS:
     void resized();
     /// In the view's own coordinates.
@@ -24,5 +28,9 @@ class PaperView : public QWidget {
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
   private:
+    void veil();
+
     QColor m_paper = Qt::white;
+    double m_opacity = 1;
+    QWidget* m_veil = nullptr; ///< there while the view is not opaque
 };

@@ -8,7 +8,6 @@
 #include "Platform/Core/Log.h"
 #include "Platform/Core/UserDefaults.h"
 #include "Platform/Widgets/Alerts.h"
-#include "Platform/Widgets/Animation.h"
 #include "Platform/Widgets/Appearance.h"
 #include "Platform/Widgets/DesktopOpening.h"
 #include "Platform/Widgets/FilePanels.h"
@@ -159,9 +158,9 @@ void XGraphViewController::blinkContainer(bool isBack) {
     if (!Appearance::instance().animations())
         return;
     PaperView* container = m_ui->plotViewContainer;
-    Animation::setOpacity(*container, opacityOfBlink);
+    container->setOpacity(opacityOfBlink);
     if (isBack)
-        QTimer::singleShot(blink, container, [container] { Animation::setOpacity(*container, 1); });
+        QTimer::singleShot(blink, container, [container] { container->setOpacity(1); });
 }
 
 void XGraphViewController::copySnapshot(const QImage& image) {
