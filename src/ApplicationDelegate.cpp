@@ -37,6 +37,7 @@ ApplicationDelegate::~ApplicationDelegate() {
 }
 
 void ApplicationDelegate::applicationDidFinishLaunching() {
+    m_safety = std::make_unique<DocumentSafety>(m_documents);
     m_updates = std::make_unique<UpdateController>(m_updatesConfiguration,
                                                    [this] { return m_documents.mainWindow(); });
     writeMissingDefaults();

@@ -1,6 +1,7 @@
 // The application around the documents: start-up, and the windows that belong to no document.
 #pragma once
 
+#include "Classes/Recovery/DocumentSafety.h"
 #include "Classes/Updates/UpdateController.h"
 #include "Classes/WindowControllers/AboutWindowController.h"
 #include "Classes/WindowControllers/ApplicationActions.h"
@@ -43,6 +44,7 @@ class ApplicationDelegate : public ApplicationActions {
 
     const UpdateController::Configuration m_updatesConfiguration;
     DocumentController m_documents;
+    std::unique_ptr<DocumentSafety> m_safety; ///< from the end of launching on; goes before the documents
     std::unique_ptr<UpdateController> m_updates; ///< from the end of launching on
     std::unique_ptr<AboutWindowController> m_controller;
     std::unique_ptr<PreferencesWindowController> m_pwc;

@@ -4,6 +4,15 @@ pkg_check_modules(xcb REQUIRED IMPORTED_TARGET xcb)
 velquin_library(application
   HEADERS
     ApplicationDelegate.h
+    Classes/Recovery/AutosaveController.h
+    Classes/Recovery/AutosaveFile.h
+    Classes/Recovery/AutosaveFolder.h
+    Classes/Recovery/AutosaveRecord.h
+    Classes/Recovery/AutosaveSchedule.h
+    Classes/Recovery/DocumentSafety.h
+    Classes/Recovery/EndSignals.h
+    Classes/Recovery/ProcessIdentity.h
+    Classes/Recovery/RecoveryOffer.h
     Classes/SingleInstance/DesktopSession.h
     Classes/SingleInstance/InstanceClaim.h
     Classes/SingleInstance/InstanceMessage.h
@@ -18,6 +27,14 @@ velquin_library(application
     Classes/WindowControllers/XWindowController.h
   SOURCES
     ApplicationDelegate.cpp
+    Classes/Recovery/AutosaveController.cpp
+    Classes/Recovery/AutosaveFile.cpp
+    Classes/Recovery/AutosaveFolder.cpp
+    Classes/Recovery/AutosaveRecord.cpp
+    Classes/Recovery/DocumentSafety.cpp
+    Classes/Recovery/EndSignals.cpp
+    Classes/Recovery/ProcessIdentity.cpp
+    Classes/Recovery/RecoveryOffer.cpp
     Classes/SingleInstance/DesktopSession.cpp
     Classes/SingleInstance/InstanceClaim.cpp
     Classes/SingleInstance/InstanceMessage.cpp

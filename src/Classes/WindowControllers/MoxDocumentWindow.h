@@ -13,6 +13,7 @@
 
 class DataSourceTab;
 class DocumentController;
+class PendingEdits;
 class MoxDocument;
 class QXNewSourceTabBarItem;
 class QXTabBar;
@@ -78,6 +79,8 @@ class MoxDocumentWindow : public QMainWindow,
     void saveAs(const Answer& saved = {});
     /// Takes what was typed and waits: the focused field's text, and what pages hold back.
     void commitPendingEdits();
+    /// Takes of what waits only what its user, who may be typing, does not notice.
+    void handOverQuietly();
     /// Asks whether changes are to be saved, and saves them; answers whether the window may close.
     void canCloseDocument(const Answer& shouldClose);
     void bringToFront();
@@ -129,6 +132,7 @@ class MoxDocumentWindow : public QMainWindow,
     void statusChanged(const KeyChange& change);
     void askToSave(const Answer& mayGoOn);
     void saveTo(const QString& path, const Answer& saved);
+    void forEachPageWithEdits(const std::function<void(PendingEdits&)>& act) const;
     void askToOverwrite(const Answer& saved);
     void tellNotSaved(const QString& path, const QString& reason, const Answer& saved);
 

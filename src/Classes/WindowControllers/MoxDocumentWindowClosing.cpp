@@ -4,6 +4,7 @@
 #include "Classes/TabBar/QXTabBar.h"
 #include "Classes/TabBar/QXTabBarItem.h"
 #include "Classes/WindowControllers/DocumentController.h"
+#include "Classes/WindowControllers/EditCommands.h"
 #include "MoxDocument.h"
 #include "Platform/Core/PendingEdits.h"
 #include "Platform/Core/XViewController.h"
@@ -42,19 +43,21 @@ void MoxDocumentWindow::updateTitle() {
 }
 
 void MoxDocumentWindow::commitPendingEdits() {
-    if (QWidget* field = focusWidget()) {
-        if (field->hasFocus()) {
-            field->clearFocus();
-            field->setFocus();
-        } else { // an inactive window's field was left without a commit
-            QFocusEvent leave(QEvent::FocusOut, Qt::OtherFocusReason);
-            QCoreApplication::sendEvent(field, &leave);
-        }
-    }
+    EditCommands::commitTyping(*this);
+    if (m_tool != nullptr)
+        EditCommands::commitTyping(*m_tool);
+    forEachPageWithEdits([](PendingEdits& page) { page.commitPendingEdits(); });
+}
+
+void MoxDocumentWindow::handOverQuietly() {
+    forEachPageWithEdits([](PendingEdits& page) { page.handOverQuietly(); });
+}
+
+void MoxDocumentWindow::forEachPageWithEdits(const std::function<void(PendingEdits&)>& act) const {
     for (const QXTabBar* bar : {&dataSourcesTabBar(), &graphTabBar()}) {
         for (const QXTabBarItem* tab : bar->tabs()) {
             if (auto* page = dynamic_cast<PendingEdits*>(tab->viewController().get()))
-                page->commitPendingEdits();
+                act(*page);
         }
     }
 }

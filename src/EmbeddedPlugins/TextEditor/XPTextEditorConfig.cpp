@@ -157,6 +157,12 @@ void XPTextEditorConfig::commitPendingEdits() {
         transferTextToPlugin();
 }
 
+/// As after a pause. A long text that is being pasted comes when it is in.
+void XPTextEditorConfig::handOverQuietly() {
+    if (m_transfer.isActive() && view() != nullptr && !m_ui->textView->isTakingText())
+        transferTextToPlugin();
+}
+
 bool XPTextEditorConfig::eventFilter(QObject* object, QEvent* event) {
     if (object == view() && event->type() == QEvent::Resize)
         arrangeHalves();

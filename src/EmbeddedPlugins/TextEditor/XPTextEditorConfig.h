@@ -38,6 +38,7 @@ class XPTextEditorConfig : public SourcePage {
     /// How long text waits; a second at first.
     void setTransferDelay(int milliseconds) { m_transfer.setInterval(milliseconds); }
     void commitPendingEdits() override;
+    void handOverQuietly() override;
 
     /// A page without a text waits for it.
     void onBecameVisible() override;

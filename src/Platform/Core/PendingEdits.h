@@ -9,4 +9,6 @@ class PendingEdits {
 
     /// Hands the waiting input over now; does nothing when none waits.
     virtual void commitPendingEdits() = 0;
+    /// Hands over only what its user, who may be typing at this moment, does not notice.
+    virtual void handOverQuietly() {}
 };
