@@ -61,6 +61,15 @@ void ApplicationDelegate::setPlotInspectorVisible(bool visible) {
     if (visible == m_plotInspectorVisible)
         return;
     m_plotInspectorVisible = visible;
+    if (visible && m_plotInspector == nullptr) {
+        m_plotInspector = std::make_unique<XPlotInspectorWindowController>(m_documents);
+        connect(m_plotInspector.get(), &XPlotInspectorWindowController::closed, this,
+                [this] { setPlotInspectorVisible(false); });
+    }
+    if (visible)
+        m_plotInspector->show();
+    else if (m_plotInspector != nullptr)
+        m_plotInspector->window()->close();
     Q_EMIT plotInspectorVisibleChanged(visible);
 }
 

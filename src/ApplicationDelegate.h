@@ -7,6 +7,7 @@
 #include "Classes/WindowControllers/ApplicationActions.h"
 #include "Classes/WindowControllers/DocumentController.h"
 #include "Classes/WindowControllers/PreferencesWindowController.h"
+#include "Classes/WindowControllers/XPlotInspectorWindowController.h"
 
 #include <memory>
 
@@ -23,6 +24,7 @@ class ApplicationDelegate : public ApplicationActions {
     DocumentController& documents() { return m_documents; }
     AboutWindowController* controller() const { return m_controller.get(); } ///< null before it was asked for
     PreferencesWindowController* pwc() const { return m_pwc.get(); }         ///< the same
+    XPlotInspectorWindowController* plotInspector() const { return m_plotInspector.get(); } ///< the same
 
     /// Called once, before the first document opens. Writes the defaults of settings that are not there yet.
     void applicationDidFinishLaunching();
@@ -48,5 +50,6 @@ class ApplicationDelegate : public ApplicationActions {
     std::unique_ptr<UpdateController> m_updates; ///< from the end of launching on
     std::unique_ptr<AboutWindowController> m_controller;
     std::unique_ptr<PreferencesWindowController> m_pwc;
+    std::unique_ptr<XPlotInspectorWindowController> m_plotInspector;
     bool m_plotInspectorVisible = false;
 };

@@ -4,6 +4,9 @@ pkg_check_modules(xcb REQUIRED IMPORTED_TARGET xcb)
 velquin_library(application
   HEADERS
     ApplicationDelegate.h
+    Classes/PlotInspector/AxisKeys.h
+    Classes/PlotInspector/AxisLimitField.h
+    Classes/PlotInspector/AxisOptionsView.h
     Classes/Recovery/AutosaveController.h
     Classes/Recovery/AutosaveFile.h
     Classes/Recovery/AutosaveFolder.h
@@ -24,9 +27,12 @@ velquin_library(application
     Classes/Updates/Version.h
     Classes/WindowControllers/AboutWindowController.h
     Classes/WindowControllers/PreferencesWindowController.h
+    Classes/WindowControllers/XPlotInspectorWindowController.h
     Classes/WindowControllers/XWindowController.h
   SOURCES
     ApplicationDelegate.cpp
+    Classes/PlotInspector/AxisLimitField.cpp
+    Classes/PlotInspector/AxisOptionsView.cpp
     Classes/Recovery/AutosaveController.cpp
     Classes/Recovery/AutosaveFile.cpp
     Classes/Recovery/AutosaveFolder.cpp
@@ -46,6 +52,7 @@ velquin_library(application
     Classes/Updates/Version.cpp
     Classes/WindowControllers/AboutWindowController.cpp
     Classes/WindowControllers/PreferencesWindowController.cpp
+    Classes/WindowControllers/XPlotInspectorWindowController.cpp
     Classes/WindowControllers/XWindowController.cpp
   USES velquin_shell Qt6::Network
   PRIVATE_USES PkgConfig::xcb)

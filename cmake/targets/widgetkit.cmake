@@ -12,6 +12,7 @@ velquin_library(widgetkit
     Classes/HoverButton/XHoverButton.h
     Classes/SmallViews/MenuItemIcon.h
     Classes/SmallViews/NoticeButton.h
+    Classes/SmallViews/PlacePicker.h
     Classes/SmallViews/XHrefButton.h
     Classes/SmallViews/XMiniProgressIndicator.h
     Classes/SmallViews/XOpaqueView.h
@@ -45,6 +46,7 @@ velquin_library(widgetkit
     Classes/HoverButton/XHoverButton.cpp
     Classes/SmallViews/MenuItemIcon.cpp
     Classes/SmallViews/NoticeButton.cpp
+    Classes/SmallViews/PlacePicker.cpp
     Classes/SmallViews/XHrefButton.cpp
     Classes/SmallViews/XMiniProgressIndicator.cpp
     Classes/SmallViews/XOpaqueView.cpp

@@ -64,6 +64,10 @@ void RowTextField::paintEvent(QPaintEvent* event) {
 }
 
 bool RowTextField::event(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride && takesKey(*static_cast<QKeyEvent*>(event))) {
+        event->accept(); // before a window that Escape closes
+        return true;
+    }
     if (event->type() == QEvent::ToolTip && !VelquinStyle::isFaulty(this) && !showsAll()) {
         QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text(), this);
         return true;
@@ -71,9 +75,13 @@ bool RowTextField::event(QEvent* event) {
     return QLineEdit::event(event);
 }
 
+bool RowTextField::takesKey(const QKeyEvent& key) const {
+    return key.key() == Qt::Key_Escape && text() != settledText();
+}
+
 void RowTextField::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape && text() != m_settledText) {
-        setText(QString(m_settledText));
+    if (takesKey(*event)) {
+        setText(settledText());
         selectAll();
         return;
     }

@@ -1,4 +1,4 @@
-// The one-line text fields of a curve's row.
+// One-line text fields that elide, and that Escape sets back; those of a curve's row among them.
 #pragma once
 
 #include <QLineEdit>
@@ -12,6 +12,8 @@ class RowTextField : public QLineEdit {
     explicit RowTextField(QWidget* parent = nullptr);
 
   protected:
+    /// What Escape brings back: the text as it was shown or committed last.
+    virtual QString settledText() const { return m_settledText; }
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -21,8 +23,9 @@ class RowTextField : public QLineEdit {
   private:
     QRect textRoom() const;
     bool showsAll() const;
+    bool takesKey(const QKeyEvent& key) const;
 
-    QString m_settledText; ///< as it was shown or committed last
+    QString m_settledText;
 };
 
 /// Bold, and without a box until the pointer or the focus is in it.

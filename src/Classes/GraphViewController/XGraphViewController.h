@@ -21,6 +21,7 @@ class CCurveViewController;
 class MoxDocument;
 class PlotTitleField;
 class QAbstractButton;
+class QAction;
 class QButtonGroup;
 class QPainter;
 class XAxisInfo;
@@ -79,6 +80,9 @@ class XGraphViewController : public XViewController,
     void setBlackBackground(bool black);
     XPlotView::WheelZooms wheelZooms() const { return plotView().wheelZooms(); }
     void setWheelZooms(XPlotView::WheelZooms which);
+
+    /// The command of the button at the end of the tools.
+    void setInspectorAction(QAction& action);
 
     /// Make room for a title, even if it is empty, and put the keyboard there.
     void editPlotTitle();

@@ -13,6 +13,7 @@
 #include "Platform/Widgets/VelquinStyle.h"
 #include "ui_XGraphViewController.h"
 
+#include <QAction>
 #include <QButtonGroup>
 #include <QMouseEvent>
 
@@ -172,11 +173,10 @@ void XGraphViewController::setUpTools() {
     m_mouseModes->addButton(m_ui->panButton, 0);
     m_mouseModes->addButton(m_ui->zoomButton, 1);
     m_mouseModes->addButton(m_ui->rulerButton, 2);
-    const std::pair<QToolButton*, QString> pictures[] = {{m_ui->panButton, u"pan"_s},
-                                                         {m_ui->zoomButton, u"zoom"_s},
-                                                         {m_ui->rulerButton, u"ruler"_s},
-                                                         {m_ui->fitButton, u"fit"_s},
-                                                         {m_ui->stickyRulerButton, u"pin"_s}};
+    const std::pair<QToolButton*, QString> pictures[] = {
+        {m_ui->panButton, u"pan"_s},         {m_ui->zoomButton, u"zoom"_s},
+        {m_ui->rulerButton, u"ruler"_s},     {m_ui->fitButton, u"fit"_s},
+        {m_ui->stickyRulerButton, u"pin"_s}, {m_ui->inspectorButton, u"inspector"_s}};
     for (const auto& [button, name] : pictures)
         button->setIcon(Pictures::icon(name));
     connect(m_mouseModes, &QButtonGroup::idClicked, this, &XGraphViewController::setMouseMode);
@@ -186,6 +186,20 @@ void XGraphViewController::setUpTools() {
     });
     connect(m_ui->stickyRulerButton, &QAbstractButton::clicked, this,
             &XGraphViewController::toggleStickyRuler);
+}
+
+void XGraphViewController::setInspectorAction(QAction& action) {
+    QToolButton* button = m_ui->inspectorButton;
+    const auto follow = [button, &action] {
+        button->setEnabled(action.isEnabled());
+        button->setChecked(action.isChecked());
+    };
+    connect(&action, &QAction::changed, button, follow);
+    connect(button, &QAbstractButton::clicked, &action, [follow, &action] {
+        action.trigger();
+        follow(); // whatever the click did to the button itself
+    });
+    follow();
 }
 
 void XGraphViewController::updateTools() {

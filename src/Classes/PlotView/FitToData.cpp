@@ -5,8 +5,6 @@
 
 namespace {
 
-constexpr double farthest = 1e26;
-
 XValueRange unionOf(std::span<const XValueRange> ranges) {
     XValueRange all{-10, 10};
     bool any = false;
@@ -30,8 +28,8 @@ FittedRange fitRange(std::span<const XValueRange> ofCurves, double fixedMin, dou
         min = fixedMin;
     if (!fitted.marginAtMax)
         max = fixedMax;
-    max = std::min(max, farthest);
-    min = std::max(min, -farthest);
+    max = std::min(max, farthestFitted);
+    min = std::max(min, -farthestFitted);
     if (min == max) {
         if (min == 0) {
             max = 10;

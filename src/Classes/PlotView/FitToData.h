@@ -5,6 +5,9 @@
 
 #include <span>
 
+/// No end of a fitted range lies further from zero.
+inline constexpr double farthestFitted = 1e26;
+
 struct FittedRange {
     XValueRange range;
     bool marginAtMin = true; ///< whether that end gets a visible margin: it followed the data

@@ -4,6 +4,7 @@
 #include <QAbstractSpinBox>
 #include <QClipboard>
 #include <QComboBox>
+#include <QFocusEvent>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
@@ -86,4 +87,17 @@ void EditCommands::perform(EditCommand command, QWidget* focus) {
         return QGuiApplication::clipboard()->setText(label->selectedText());
     constexpr const char* methods[] = {"undo", "redo", "cut", "copy", "paste", "selectAll"};
     QMetaObject::invokeMethod(widget, methods[static_cast<int>(command)]);
+}
+
+void EditCommands::commitTyping(const QWidget& window) {
+    QWidget* field = window.focusWidget();
+    if (field == nullptr)
+        return;
+    if (field->hasFocus()) {
+        field->clearFocus();
+        field->setFocus();
+    } else { // an inactive window's field was left without a commit
+        QFocusEvent leave(QEvent::FocusOut, Qt::OtherFocusReason);
+        QCoreApplication::sendEvent(field, &leave);
+    }
 }

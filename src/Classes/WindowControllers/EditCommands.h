@@ -12,4 +12,8 @@ namespace EditCommands {
 bool can(EditCommand command, const QWidget* focus);
 void perform(EditCommand command, QWidget* focus);
 
+/// Lets the field of this window that has the keyboard, or will have it again, hand its text over as if it
+/// were left. It keeps the keyboard.
+void commitTyping(const QWidget& window);
+
 } // namespace EditCommands

@@ -62,6 +62,7 @@ void FocusRegions::selectNext(MoxDocumentWindow& window, int step) {
     for (qsizetype tries = 0; tries < count; ++tries) {
         index = (index + step + count) % count;
         if (QWidget* stop = firstStop(regions[index])) {
+            window.activateWindow(); // the key may have come from a tool
             stop->setFocus(Qt::TabFocusReason);
             return;
         }

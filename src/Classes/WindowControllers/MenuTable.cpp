@@ -360,6 +360,20 @@ constexpr MenuCommand windowCommands[] = {
     {"previousRegion", "Previous Re&gion", "Shift+F6",
      "Put the keyboard into the previous part of the window",
      [](Window& window) { FocusRegions::selectNext(window, -1); }},
+    separator,
+    {"plotInspector",
+     "Plot &Inspector",
+     "Ctrl+I",
+     "Show or hide titles, axes and legend of the plot in front",
+     [](Window& window) {
+         ApplicationActions& application = *window.documents().application();
+         application.setPlotInspectorVisible(!application.plotInspectorVisible());
+     },
+     {applicationState.isEnabled, applicationState.whyDisabled,
+      [](const Window& window) {
+          const ApplicationActions* application = window.documents().application();
+          return application != nullptr && application->plotInspectorVisible();
+      }}},
 };
 
 constexpr MenuCommand helpCommands[] = {

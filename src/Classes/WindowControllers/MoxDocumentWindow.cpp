@@ -10,6 +10,7 @@
 #include "Classes/TabBar/QXNewSourceTabBarItem.h"
 #include "Classes/TabBar/QXTabBar.h"
 #include "Classes/WindowControllers/ApplicationActions.h"
+#include "Classes/WindowControllers/ApplicationActions.h"
 #include "Classes/WindowControllers/DataSourceTab.h"
 #include "Classes/WindowControllers/DocumentController.h"
 #include "Classes/WindowControllers/WindowDrops.h"
@@ -63,6 +64,10 @@ MoxDocumentWindow::MoxDocumentWindow(DocumentController& documents, std::unique_
     windowControllerDidLoadNib();
     m_menus = new WindowMenus(*this);
     m_menus->refresh();
+    m_graphViewController->setInspectorAction(*m_menus->action("plotInspector"));
+    if (const ApplicationActions* application = m_documents.application())
+        connect(application, &ApplicationActions::plotInspectorVisibleChanged, this,
+                &MoxDocumentWindow::commandStatesChanged);
 
     const QSize room = screen()->availableSize() * greatestPartOfScreen;
     resize(size().boundedTo(room));
@@ -146,6 +151,12 @@ QXTabBar& MoxDocumentWindow::graphTabBar() const {
 
 StatusLine& MoxDocumentWindow::statusLine() const {
     return *m_ui->statusLine;
+}
+
+void MoxDocumentWindow::setTool(QWidget* tool) {
+    m_tool = tool;
+    if (m_menus != nullptr)
+        m_menus->setTool(tool);
 }
 
 // --- Tabs

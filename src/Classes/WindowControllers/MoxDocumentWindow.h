@@ -7,6 +7,7 @@
 #include "Platform/Core/Observable.h"
 
 #include <QMainWindow>
+#include <QPointer>
 
 #include <functional>
 #include <memory>
@@ -84,6 +85,9 @@ class MoxDocumentWindow : public QMainWindow,
     /// Asks whether changes are to be saved, and saves them; answers whether the window may close.
     void canCloseDocument(const Answer& shouldClose);
     void bringToFront();
+    /// A window that edits this one's document: this one's commands work there by their keys, and what was
+    /// typed there is taken along. Null ends it.
+    void setTool(QWidget* tool);
     /// Closes without asking; for those who asked.
     void closeNow();
 
@@ -142,6 +146,7 @@ class MoxDocumentWindow : public QMainWindow,
     std::unique_ptr<Ui::MoxDocument> m_ui;
     std::shared_ptr<XGraphViewController> m_graphViewController;
     WindowMenus* m_menus = nullptr;
+    QPointer<QWidget> m_tool;
     WindowDrops* m_drops = nullptr;
     QXNewSourceTabBarItem* m_dropHereTab = nullptr;
     XDataSource m_closingSource; ///< whose tab the tab bar is about to close

@@ -12,6 +12,7 @@
 #include <QMenu>
 #include <QMenuBar>
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -105,9 +106,33 @@ void WindowMenus::refresh() {
     }
 }
 
+void WindowMenus::setTool(QWidget* tool) {
+    if (tool == m_tool)
+        return;
+    if (m_tool != nullptr) {
+        for (const Entry& entry : m_entries)
+            m_tool->removeAction(entry.action);
+        if (m_focus != nullptr && m_focus->window() == m_tool)
+            focusChanged(nullptr);
+    }
+    m_tool = tool;
+    if (m_tool == nullptr)
+        return;
+    QList<QKeySequence> own;
+    for (const QAction* action : m_tool->actions())
+        own += action->shortcuts();
+    for (const Entry& entry : m_entries) {
+        const QList<QKeySequence> keys = entry.action->shortcuts();
+        if (std::ranges::none_of(keys, [&own](const QKeySequence& each) { return own.contains(each); }))
+            m_tool->addAction(entry.action);
+    }
+    if (QWidget* focus = QApplication::focusWidget(); focus != nullptr && focus->window() == m_tool)
+        focusChanged(focus);
+}
+
 void WindowMenus::focusChanged(QWidget* now) {
     const bool isMenu = qobject_cast<QMenuBar*>(now) != nullptr || qobject_cast<QMenu*>(now) != nullptr;
-    if (isMenu || (now != nullptr && now->window() != &m_window))
+    if (isMenu || (now != nullptr && now->window() != &m_window && now->window() != m_tool))
         return;
     if (m_focus != nullptr)
         m_focus->removeEventFilter(this);

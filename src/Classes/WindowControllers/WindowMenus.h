@@ -24,6 +24,9 @@ class WindowMenus : public QObject {
     /// What had the focus before a menu took it.
     QWidget* focus() const { return m_focus; }
     void refresh();
+    /// The keys of the commands work in that window too, but for those that it uses itself, and its texts
+    /// are those that commands edit. Null ends it.
+    void setTool(QWidget* tool);
 
   protected:
     bool eventFilter(QObject* object, QEvent* event) override;
@@ -40,4 +43,5 @@ class WindowMenus : public QObject {
     MoxDocumentWindow& m_window;
     std::vector<Entry> m_entries;
     QPointer<QWidget> m_focus;
+    QPointer<QWidget> m_tool;
 };
