@@ -10,7 +10,6 @@
 #include "Classes/TabBar/QXNewSourceTabBarItem.h"
 #include "Classes/TabBar/QXTabBar.h"
 #include "Classes/WindowControllers/ApplicationActions.h"
-#include "Classes/WindowControllers/ApplicationActions.h"
 #include "Classes/WindowControllers/DataSourceTab.h"
 #include "Classes/WindowControllers/DocumentController.h"
 #include "Classes/WindowControllers/WindowDrops.h"
@@ -79,7 +78,7 @@ MoxDocumentWindow::MoxDocumentWindow(DocumentController& documents, std::unique_
 }
 
 MoxDocumentWindow::~MoxDocumentWindow() {
-    delete m_menus; // nobody asks what can be done from here on
+    delete std::exchange(m_menus, nullptr); // nobody asks what can be done from here on
     m_documents.windowWillClose(*this);
     m_document->close();
     m_documents.windowCloses(*this);
