@@ -63,34 +63,47 @@ double realBetween(const QString& option, const QString& text, double least, dou
     return *number;
 }
 
-int delimiterTypeOf(const QString& text) {
+QStringList delimiters() {
     QStringList names;
+    for (const DelimiterName& delimiter : delimiterNames)
+        names += QLatin1String(delimiter.name);
+    return names;
+}
+
+QStringList axisKinds() {
+    QStringList identifiers;
+    for (const auto& kind : XAxisManager::sharedManager().axisTypes())
+        identifiers += kind.typeId();
+    return identifiers;
+}
+
+QStringList shapes() {
+    QStringList names;
+    for (const auto& shape : XPointsLibrary::sharedLibrary().pointDescriptions())
+        names += shape.displayName().toLower();
+    return names;
+}
+
+int delimiterTypeOf(const QString& text) {
     for (const DelimiterName& delimiter : delimiterNames) {
         if (text == QLatin1String(delimiter.name))
             return delimiter.type;
-        names += QLatin1String(delimiter.name);
     }
-    wrongUsage(u"--delimiter takes %1, not \"%2\""_qs.arg(names.join(u", "_qs), text));
+    wrongUsage(u"--delimiter takes %1, not \"%2\""_qs.arg(delimiters().join(u", "_qs), text));
 }
 
 QString axisKindOf(const QString& option, const QString& text) {
-    QStringList identifiers;
-    for (const auto& kind : XAxisManager::sharedManager().axisTypes()) {
-        if (kind.typeId() == text)
-            return text;
-        identifiers += kind.typeId();
-    }
-    wrongUsage(u"%1 takes %2, not \"%3\""_qs.arg(option, identifiers.join(u", "_qs), text));
+    if (!axisKinds().contains(text))
+        wrongUsage(u"%1 takes %2, not \"%3\""_qs.arg(option, axisKinds().join(u", "_qs), text));
+    return text;
 }
 
 int shapeOf(const QString& text) {
-    QStringList names;
     for (const auto& shape : XPointsLibrary::sharedLibrary().pointDescriptions()) {
         if (shape.displayName().compare(text, Qt::CaseInsensitive) == 0)
             return shape.identifier();
-        names += shape.displayName().toLower();
     }
-    wrongUsage(u"--shape takes %1, not \"%2\""_qs.arg(names.join(u", "_qs), text));
+    wrongUsage(u"--shape takes %1, not \"%2\""_qs.arg(shapes().join(u", "_qs), text));
 }
 
 RgbaColor colorOf(const QString& text) {
@@ -163,14 +176,16 @@ struct Option {
     const char* argument; ///< null for a switch
     const char* help;
     void (*read)(Reading& reading, const QString& option, const QString& argument);
+    QStringList (*choices)() = nullptr;
 };
 
-// One list for parsing and for the help text; an empty name begins a group.
+// One list for parsing and for all that users read of it; an empty name begins a group.
 constexpr Option options[] = {
     {"", nullptr, "Data of a FILE that is no document:", nullptr},
     {"--delimiter", "KIND",
      "numbers (anywhere in a line; the default), comma, semicolon, tab, space or blank",
-     [](Reading& r, const QString&, const QString& text) { r.line.delimiterType = delimiterTypeOf(text); }},
+     [](Reading& r, const QString&, const QString& text) { r.line.delimiterType = delimiterTypeOf(text); },
+     delimiters},
     {"--header", nullptr, "the first line holds the names of the columns",
      [](Reading& r, const QString&, const QString&) { r.line.header = true; }},
     {"--skip", "N", "leave out the first N lines (after the header)",
@@ -199,7 +214,8 @@ constexpr Option options[] = {
     {"--shape", "NAME", "none, circle, ring, square, diamond, x or plus",
      [](Reading& r, const QString& o, const QString& text) {
          r.lastCurve(o).shapeIdentifier = shapeOf(text);
-     }},
+     },
+     shapes},
     {"--shape-size", "N", "half the shape's width in points",
      [](Reading& r, const QString& o, const QString& text) {
          r.lastCurve(o).shapeSize = integerBetween(o, text, 0, greatestWidthOrSize);
@@ -222,9 +238,11 @@ constexpr Option options[] = {
     {"--y-title", "TEXT", "title along the y axis",
      [](Reading& r, const QString&, const QString& text) { r.line.yTitle = text; }},
     {"--x-axis", "KIND", "numeric, log, pseudolog, timeline or zen (no ticks)",
-     [](Reading& r, const QString& o, const QString& text) { r.line.xAxis = axisKindOf(o, text); }},
+     [](Reading& r, const QString& o, const QString& text) { r.line.xAxis = axisKindOf(o, text); },
+     axisKinds},
     {"--y-axis", "KIND", "the same for y",
-     [](Reading& r, const QString& o, const QString& text) { r.line.yAxis = axisKindOf(o, text); }},
+     [](Reading& r, const QString& o, const QString& text) { r.line.yAxis = axisKindOf(o, text); },
+     axisKinds},
     {"--x-range", "MIN:MAX", "fixed range; an empty side follows the data",
      [](Reading& r, const QString& o, const QString& text) { r.line.xRange = rangeOf(o, text); }},
     {"--y-range", "MIN:MAX", "the same for y",
@@ -319,19 +337,15 @@ std::variant<CommandLine, UsageError> parseCommandLine(const QStringList& argume
     return reading.line;
 }
 
-QString commandLineHelp() {
-    QString text =
-        u"Usage: velquin [OPTIONS] [FILE...]\n\nPlots large numeric and time-series tables. A FILE is a "
-        "document (a property list, or *.mox) or a\ntext with numbers; without outputs, each opens in a window.\n"_qs;
+QList<OptionGroup> commandLineOptions() {
+    QList<OptionGroup> groups;
     for (const Option& option : options) {
-        if (option.read == nullptr) {
-            text += u'\n' + QLatin1String(option.help) + u'\n';
-            continue;
-        }
-        QString left = u"  "_qs + QLatin1String(option.name);
-        if (option.argument != nullptr)
-            left += u' ' + QLatin1String(option.argument);
-        text += left.leftJustified(24) + QLatin1String(option.help) + u'\n';
+        if (option.read == nullptr)
+            groups.append({QLatin1String(option.help), {}});
+        else
+            groups.last().options.append({QLatin1String(option.name), QLatin1String(option.argument),
+                                          QLatin1String(option.help),
+                                          option.choices != nullptr ? option.choices() : QStringList()});
     }
-    return text + u"\nExit status: 0 done, 1 the work failed, 2 wrong usage.\n"_qs;
+    return groups;
 }

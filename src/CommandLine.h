@@ -74,5 +74,18 @@ struct UsageError {
 /// order.
 std::variant<CommandLine, UsageError> parseCommandLine(const QStringList& arguments);
 
-/// The text of --help, made from the same table of options.
-QString commandLineHelp();
+/// An option as users are told of it.
+struct OptionDescription {
+    QString name;        ///< with its dashes
+    QString argument;    ///< what its argument stands for; empty for a switch
+    QString help;        ///< one line
+    QStringList choices; ///< every argument it takes, where they can be listed
+};
+
+struct OptionGroup {
+    QString title; ///< ends with a colon
+    QList<OptionDescription> options;
+};
+
+/// The table by which arguments are read.
+QList<OptionGroup> commandLineOptions();

@@ -5,6 +5,7 @@
 #include "Classes/PluginsManager/XPluginsManager.h"
 #include "Classes/SingleInstance/InstanceServer.h"
 #include "CommandLine.h"
+#include "CommandLineTexts.h"
 #include "Core/Assertions.h"
 #include "EmbeddedPlugins/SourceViews.h"
 #include "EmbeddedPlugins/TextFile/FileWatcher.h"
@@ -163,7 +164,7 @@ int runProgram(Arguments arguments) {
     }
     const auto& line = std::get<CommandLine>(parsed);
     if (line.help) {
-        print(commandLineHelp());
+        print(CommandLineTexts::help());
         return 0;
     }
     if (line.version) {

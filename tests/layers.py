@@ -18,7 +18,9 @@ MAY_USE = {
     "sidebar": ["model", "widgetkit"],
     "shell": ["render", "widgetkit", "sidebar"],
     "application": ["shell"],
-    "velquin": ["application", "sourceviews"],
+    "commandline": ["model"],
+    "velquin": ["application", "sourceviews", "commandline"],
+    "packaging": ["commandline"],
 }
 GENERATED = re.compile(r"(^|/)ui_\w+\.h$|\.moc$|(^|/)moc_\w+\.cpp$|^Product\.h$")
 
