@@ -12,12 +12,15 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// One by one, so that what the user has chosen stays. No profile is sent, whatever its key says.
 void writeMissingDefaults() {
     UserDefaults& defaults = UserDefaults::standard();
     const std::pair<QString, QVariant> rows[] = {
-        {u"SUEnableAutomaticChecks"_qs, 1}, {u"SUSendProfileInfo"_qs, 1}, // kept for other programs; nothing
-                                                                          // is sent
-        {u"SnapshotsDirType"_qs, 2},        {u"SnapshotsDir"_qs, QString()}, {u"SnapshotsFormat"_qs, 0},
+        {u"SUEnableAutomaticChecks"_qs, 1},
+        {u"SUSendProfileInfo"_qs, 1},
+        {u"SnapshotsDirType"_qs, 2},
+        {u"SnapshotsDir"_qs, QString()},
+        {u"SnapshotsFormat"_qs, 0},
     };
     for (const auto& [key, value] : rows) {
         if (!defaults.contains(key))
@@ -38,8 +41,7 @@ ApplicationDelegate::~ApplicationDelegate() {
 
 void ApplicationDelegate::applicationDidFinishLaunching() {
     m_safety = std::make_unique<DocumentSafety>(m_documents);
-    m_updates = std::make_unique<UpdateController>(m_updatesConfiguration,
-                                                   [this] { return m_documents.mainWindow(); });
+    m_updates = std::make_unique<UpdateController>(m_updatesConfiguration, [this] { return frontWindow(); });
     writeMissingDefaults();
     setPlotInspectorVisible(false);
     m_updates->startAutomaticChecks();
@@ -86,7 +88,14 @@ void ApplicationDelegate::openCommunityForumFeatureRequest() {
 }
 
 void ApplicationDelegate::openWebPage(const char* page) {
-    DesktopOpening::openWebPage(QUrl(QLatin1String(page)), m_documents.mainWindow());
+    DesktopOpening::openWebPage(QUrl(QLatin1String(page)), frontWindow());
+}
+
+/// Right after the start none is the main one yet.
+QWidget* ApplicationDelegate::frontWindow() const {
+    if (MoxDocumentWindow* window = m_documents.mainWindow())
+        return window;
+    return m_documents.windows().isEmpty() ? nullptr : m_documents.windows().first();
 }
 
 void ApplicationDelegate::checkForUpdates(QWidget* from) {

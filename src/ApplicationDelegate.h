@@ -43,6 +43,7 @@ class ApplicationDelegate : public ApplicationActions {
 
   private:
     void openWebPage(const char* page);
+    QWidget* frontWindow() const;
 
     const UpdateController::Configuration m_updatesConfiguration;
     DocumentController m_documents;

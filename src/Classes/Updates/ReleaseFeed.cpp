@@ -38,7 +38,7 @@ std::optional<Version> versionInTitle(const QString& title) {
             word.chop(1);
         if (word.startsWith(u'('))
             word.remove(0, 1);
-        if (const auto version = Version::parse(word); version && word.contains(u'.'))
+        if (auto version = Version::parse(word); version && word.contains(u'.'))
             return version;
     }
     return Version::parse(words.last());

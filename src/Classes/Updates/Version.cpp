@@ -33,7 +33,7 @@ std::weak_ordering comparePart(const QString& a, const QString& b) {
 
 std::weak_ordering compareParts(const QStringList& a, const QStringList& b) {
     for (qsizetype i = 0; i < std::min(a.size(), b.size()); ++i) {
-        if (const auto order = comparePart(a[i], b[i]); order != 0)
+        if (const auto order = comparePart(a[i], b[i]); std::is_neq(order))
             return order;
     }
     return a.size() <=> b.size();
@@ -64,7 +64,7 @@ std::optional<Version> Version::parse(const QString& text) {
 }
 
 std::weak_ordering operator<=>(const Version& a, const Version& b) {
-    if (const auto order = compareParts(a.m_numbers, b.m_numbers); order != 0)
+    if (const auto order = compareParts(a.m_numbers, b.m_numbers); std::is_neq(order))
         return order;
     if (a.m_suffix.isEmpty() || b.m_suffix.isEmpty())
         return b.m_suffix.size() <=> a.m_suffix.size();

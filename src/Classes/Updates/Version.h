@@ -20,7 +20,7 @@ class Version {
     /// By number, of any length: 1.10 follows 1.9, and 1.0 is 1.0.0. "1.1-beta2" comes before "1.1"; what
     /// follows a "+" does not count.
     friend std::weak_ordering operator<=>(const Version& a, const Version& b);
-    friend bool operator==(const Version& a, const Version& b) { return (a <=> b) == 0; }
+    friend bool operator==(const Version& a, const Version& b) { return std::is_eq(a <=> b); }
 
   private:
     QString m_text;

@@ -3,6 +3,8 @@
 
 #include "Classes/SmallViews/MenuItemIcon.h"
 #include "Classes/ValueEncodings/XVelquin.h"
+#include "Classes/WindowControllers/DocumentController.h"
+#include "EmbeddedPlugins/TextFile/InputFile.h"
 #include "Platform/Core/UserDefaults.h"
 #include "Platform/Widgets/Alerts.h"
 #include "Platform/Widgets/DesktopOpening.h"
@@ -47,10 +49,6 @@ QString automaticChecksKey() {
 
 UserDefaults& defaults() {
     return UserDefaults::standard();
-}
-
-QString withHome(const QString& path) {
-    return path == u"~"_qs || path.startsWith(u"~/"_qs) ? QDir::homePath() + path.mid(1) : path;
 }
 
 /// The row that stands for a stored type.
@@ -107,7 +105,11 @@ void PreferencesWindowController::fillFolders() {
     for (QStandardItem* item : {m_desktopDirMenuItem, m_picturesDirMenuItem, m_documentsDirMenuItem})
         model->appendRow(item);
     m_ui->folderBox->insertSeparator(model->rowCount());
-    model->appendRow(folderItem(tr("Other…"), Other));
+    QStandardItem* other = folderItem(tr("Other…"), Other);
+    QPixmap blank(m_ui->folderBox->iconSize());
+    blank.fill(Qt::transparent);
+    other->setIcon(blank); // in line with the other rows
+    model->appendRow(other);
 }
 
 void PreferencesWindowController::connectControls() {
@@ -147,7 +149,7 @@ void PreferencesWindowController::selectCustomSnapshotsDir() {
                                 {.purpose = FilePanel::Purpose::ChooseFolder,
                                  .title = tr("Select directory for snapshots"),
                                  .folderKey = {},
-                                 .startFolder = withHome(defaults().string(folderKey()))},
+                                 .startFolder = expandedPath(defaults().string(folderKey()))},
                                 [this](const QStringList& paths) {
                                     if (!paths.isEmpty())
                                         takeFolder(paths.first());
@@ -164,15 +166,15 @@ void PreferencesWindowController::takeFolder(const QString& path) {
 }
 
 void PreferencesWindowController::openSnapshotsDirectory() {
-    const std::optional<QString> folder = XVelquin::snapshotsDirectory();
-    if (!folder)
+    QString failure;
+    const std::optional<QString> folder = XVelquin::snapshotsDirectory(&failure);
+    if (!failure.isEmpty())
         Alerts::shared().tell(window(), tr("The folder for snapshots was not made."),
-                              tr("It would be “Velquin” in %1. Another folder can be chosen.")
-                                  .arg(QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)));
-    else if (folder->isEmpty())
+                              DocumentController::asSentence(failure) + tr(" Another folder can be chosen."));
+    else if (!folder || folder->isEmpty())
         selectCustomSnapshotsDir();
     else
-        DesktopOpening::openFolder(withHome(*folder), window());
+        DesktopOpening::openFolder(expandedPath(*folder), window());
 }
 
 /// The folder of the user's own has a row while there is one.
@@ -187,10 +189,10 @@ void PreferencesWindowController::showFolder() {
             m_customPlaceholderMenuItem = folderItem({}, Custom);
             model->insertRow(m_documentsDirMenuItem->row() + 1, m_customPlaceholderMenuItem);
         }
-        const QString name = QDir(withHome(path)).dirName();
+        const QString name = QDir(expandedPath(path)).dirName();
         m_customPlaceholderMenuItem->setText(name.isEmpty() ? path : name);
         m_customPlaceholderMenuItem->setToolTip(path);
-        MenuItemIcon::setIconByPath(*m_customPlaceholderMenuItem, withHome(path));
+        MenuItemIcon::setIconByPath(*m_customPlaceholderMenuItem, expandedPath(path));
     }
     const int type = shownType(m_chosenType);
     m_ui->folderBox->setCurrentIndex(m_ui->folderBox->findData(type));
