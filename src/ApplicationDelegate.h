@@ -47,7 +47,7 @@ class ApplicationDelegate : public ApplicationActions {
 
     const UpdateController::Configuration m_updatesConfiguration;
     DocumentController m_documents;
-    std::unique_ptr<DocumentSafety> m_safety; ///< from the end of launching on; goes before the documents
+    std::unique_ptr<DocumentSafety> m_safety;    ///< from the end of launching on; goes before the documents
     std::unique_ptr<UpdateController> m_updates; ///< from the end of launching on
     std::unique_ptr<AboutWindowController> m_controller;
     std::unique_ptr<PreferencesWindowController> m_pwc;
