@@ -1,9 +1,11 @@
 // The plot page while data files change: what it offers, and what a file that is read by itself leaves alone.
 #include "Classes/Axes/XAxis.h"
 #include "Classes/GraphViewController/ChangedFilesBar.h"
+#include "Classes/WindowControllers/DataSourceTab.h"
 #include "EmbeddedPlugins/TextFile/FileWatcher.h"
 #include "EmbeddedPlugins/TextFile/XPTextFile.h"
 #include "shell/PageFixture.h"
+#include "widgetkit/WidgetFixtures.h"
 
 #include <QAbstractButton>
 #include <QFile>
@@ -107,6 +109,26 @@ TEST_F(ChangedFiles, readByThemselvesLeaveTheViewAndTheDocumentAlone) {
     EXPECT_EQ(rangeX().second, 2.5) << "a limit of the document's stays";
     EXPECT_GT(scene().axisY()->maxValue(), 50);
     EXPECT_EQ(bar().text(), QString());
+}
+
+TEST_F(ChangedFiles, readByThemselvesAreNoNewsButKeepWhatWasSaidTrue) {
+    const auto source = std::make_shared<XPTextFile>();
+    source->setFilename(folder.write(u"sea.csv"_s, "1 2\n"));
+    XPTextFile::setConfigViewMaker([](XPTextFile&) { return std::make_unique<FakePage>(); });
+    DataSourceTab tab(source);
+    XPTextFile::setConfigViewMaker({});
+    QStringList told;
+    QObject::connect(&tab, &DataSourceTab::newsCame, [&](const QString& news) { told += news; });
+    QObject::connect(&tab, &DataSourceTab::newsOutdated,
+                     [&](const QString& before, const QString& news) { told += before + u" > "_s + news; });
+    source->read();
+    ASSERT_TRUE(support::waitUntil([&] { return !source->isLoading(); }));
+    tab.viewController()->setStatus(u"1 row"_s);
+    source->setLive(true);
+    append(u"sea.csv"_s, "3 4\n");
+    ASSERT_TRUE(support::waitUntil([&] { return source->data()->rowsNumber() == 2; }));
+    tab.viewController()->setStatus(u"2 rows"_s);
+    EXPECT_EQ(told, (QStringList{u"1 row"_s, u"1 row > 2 rows"_s}));
 }
 
 } // namespace

@@ -289,6 +289,13 @@ TEST_F(TextFilePage, aFileThatChangedIsOfferedOrReadByItself) {
     source.setLive(false);
     EXPECT_FALSE(box.isChecked());
 
+    const QString aside = folder.path(QStringLiteral("aside"));
+    ASSERT_TRUE(QFile::rename(source.filename(), aside));
+    ASSERT_TRUE(support::waitUntil([this] { return !page->fault().isEmpty(); }));
+    ASSERT_TRUE(QFile::rename(aside, source.filename()));
+    ASSERT_TRUE(support::waitUntil([this] { return page->fault().isEmpty(); })) << "back, and said so";
+    EXPECT_TRUE(page->status().startsWith(QStringLiteral("sea.csv: 7 rows")));
+
     // A smaller file cuts the selection; a table of other columns does not keep it.
     source.setLive(true);
     folder.write(QStringLiteral("sea.csv"), "1;2\n3;4\n");

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -32,9 +33,8 @@ DataSourceTab::DataSourceTab(const XDataSource& source) : QXTabBarItem(makePage(
     m_page = Observation(*viewController(), pageKeys, [this](const KeyChange& change) {
         if (change.key == std::string_view("fault"))
             takeFault();
-        else if (!viewController()->status().isEmpty() && viewController()->fault().isEmpty() &&
-                 !isReadByItself())
-            Q_EMIT newsCame(viewController()->status());
+        else if (!viewController()->status().isEmpty() && viewController()->fault().isEmpty())
+            takeStatus();
     });
     takeFault();
 }
@@ -52,10 +52,14 @@ void DataSourceTab::sourceChanged(const KeyChange& change) {
         Q_EMIT readWasGivenUp(reason);
 }
 
-/// A file that is read twice a second is no news.
-bool DataSourceTab::isReadByItself() const {
+/// A file that is read twice a second is no news, but what was said of it before has to stay true.
+void DataSourceTab::takeStatus() {
     const auto* file = qobject_cast<const XPTextFile*>(m_source.get());
-    return file != nullptr && file->isReadByItself();
+    const QString before = std::exchange(m_news, viewController()->status());
+    if (file != nullptr && file->isReadByItself())
+        Q_EMIT newsOutdated(before, m_news);
+    else
+        Q_EMIT newsCame(m_news);
 }
 
 void DataSourceTab::takeFilename() {

@@ -18,16 +18,19 @@ class DataSourceTab : public QXTabBarItem {
   Q_SIGNALS:
     /// The source was read, or failed to be: what its page says about it.
     void newsCame(const QString& news);
+    /// The source was read by itself: where `before` is still shown, `news` is true now.
+    void newsOutdated(const QString& before, const QString& news);
     /// A read that had begun well was given up.
     void readWasGivenUp(const QString& reason);
 
   private:
-    bool isReadByItself() const;
+    void takeStatus();
     void takeFilename();
     void takeFault();
     void sourceChanged(const KeyChange& change);
 
     XDataSource m_source;
+    QString m_news; ///< told last
     Observation m_sourceKeys;
     Observation m_page;
 };

@@ -177,6 +177,10 @@ DataSourceTab* MoxDocumentWindow::tabOf(const XDataSource& dataSource) const {
 void MoxDocumentWindow::addTabOf(const XDataSource& dataSource, int index) {
     auto* tab = new DataSourceTab(dataSource);
     connect(tab, &DataSourceTab::newsCame, this, &MoxDocumentWindow::newsCame);
+    connect(tab, &DataSourceTab::newsOutdated, this, [this](const QString& before, const QString& news) {
+        if (m_news == before && statusLine().message() == before)
+            showMessage(news);
+    });
     connect(tab, &DataSourceTab::readWasGivenUp, this, [this, dataSource](const QString& reason) {
         const QString sentence = DocumentController::asSentence(reason);
         const QString kept = tr("The data read before are kept.");

@@ -270,11 +270,17 @@ QString SourcePage::statusText() const {
     return text;
 }
 
+/// What is shown still holds, and does not flicker twice a second.
+bool SourcePage::isReadingQuietly() const {
+    return m_plugin != nullptr && m_plugin->isLoading() && m_plugin->isReadByItself() &&
+           !m_readClock.hasExpired(quietMilliseconds);
+}
+
 /// Assigns what has changed alone: every assignment makes the window lay out its status line.
 void SourcePage::showState() {
     const bool reading = m_plugin != nullptr && m_plugin->isLoading();
-    if (reading && m_plugin->isReadByItself() && !m_readClock.hasExpired(quietMilliseconds))
-        return; // what is shown still holds, and does not flicker twice a second
+    if (isReadingQuietly())
+        return;
     m_outlets.dataTable->setReading(reading ? std::optional(m_plugin->progress()) : std::nullopt);
     m_outlets.dataTable->setEmptyText(reading ? QString() : emptyText());
     m_outlets.countLabel->setText(countText());

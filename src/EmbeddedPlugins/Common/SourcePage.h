@@ -70,6 +70,8 @@ class SourcePage : public XViewController, public PendingEdits {
     virtual QString emptyText() const = 0;
     const std::optional<Survey>& survey() const { return m_survey; }
     void showState();
+    /// Whether the read that runs is none that anybody asked for and has not lasted long.
+    bool isReadingQuietly() const;
 
   private:
     class SurveyOperation;

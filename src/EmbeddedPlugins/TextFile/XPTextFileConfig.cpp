@@ -119,7 +119,8 @@ void XPTextFileConfig::observeValueForKeyPath(const KeyChange& change) {
         xAssert(MainThread::isCurrent(), "UI operation not from main thread!");
     if (key == "progress") {
         xAssert(MainThread::isCurrent(), "UI operation not from main thread!");
-        setProgress(plugin()->progress());
+        if (!isReadingQuietly())
+            setProgress(plugin()->progress());
     }
     if (key == "filename") {
         m_dismissed.clear();
@@ -199,6 +200,7 @@ void XPTextFileConfig::fileChanged(const KeyChange& change) {
         return;
     m_dismissed.erase(NoticeKind::ChangedOnDisk); // that was the change before
     updateNotices();
+    showState();
 }
 
 void XPTextFileConfig::updateNotices() {
