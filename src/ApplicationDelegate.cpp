@@ -2,6 +2,7 @@
 #include "ApplicationDelegate.h"
 
 #include "Classes/WindowControllers/MoxDocumentWindow.h"
+#include "Classes/WindowControllers/StatusLine.h"
 #include "Platform/Core/UserDefaults.h"
 #include "Platform/Widgets/DesktopOpening.h"
 #include "Product.h"
@@ -99,5 +100,19 @@ void ApplicationDelegate::checkForUpdates(QWidget* from) {
     m_updates->checkForUpdates(from);
     auto* window = qobject_cast<MoxDocumentWindow*>(from);
     if (window != nullptr && m_updates->isChecking())
-        window->showMessage(tr("Looking for a new version…"));
+        sayWhileChecking(*window);
+}
+
+/// A slow server takes its time.
+void ApplicationDelegate::sayWhileChecking(MoxDocumentWindow& window) {
+    const QString said = tr("Looking for a new version…");
+    const QString before = window.statusLine().message();
+    if (before == said)
+        return;
+    window.showMessage(said);
+    const auto takeBack = [&window, said, before] {
+        if (window.statusLine().message() == said)
+            window.showMessage(before);
+    };
+    connect(m_updates.get(), &UpdateController::checkEnded, &window, takeBack, Qt::SingleShotConnection);
 }

@@ -44,6 +44,7 @@ class ApplicationDelegate : public ApplicationActions {
   private:
     void openWebPage(const char* page);
     QWidget* frontWindow() const;
+    void sayWhileChecking(MoxDocumentWindow& window);
 
     const UpdateController::Configuration m_updatesConfiguration;
     DocumentController m_documents;

@@ -214,4 +214,17 @@ TEST_F(ApplicationWindowsTest, menusReachTheApplicationWhereThereIsOne) {
     EXPECT_TRUE(alerts.reason.contains(QLatin1String(Product::bugReports)));
 }
 
+TEST_F(ApplicationWindowsTest, theStatusLineSaysThatItLooksAsLongAsItDoes) {
+    const QUrl unreachable(u"http://127.0.0.1:1/"_qs);
+    ApplicationDelegate looking({.feed = unreachable, .version = u"1.0"_qs, .downloads = {}});
+    looking.applicationDidFinishLaunching();
+    MoxDocumentWindow& window = looking.documents().newDocument();
+    const QString before = window.statusLine().message();
+    for (int i = 0; i < 2; ++i)
+        trigger(window, "checkForUpdates");
+    EXPECT_EQ(window.statusLine().message(), u"Looking for a new version…"_qs);
+    EXPECT_TRUE(support::waitUntil([&] { return !alerts.messages.isEmpty(); }));
+    EXPECT_EQ(window.statusLine().message(), before);
+}
+
 } // namespace

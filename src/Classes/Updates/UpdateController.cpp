@@ -99,6 +99,7 @@ void UpdateController::check() {
 
 void UpdateController::downloadFinished(const QByteArray& bytes, const QString& fault) {
     std::exchange(m_download, nullptr)->deleteLater();
+    Q_EMIT checkEnded();
     if (!fault.isEmpty()) {
         tellFault(fault);
     } else {

@@ -42,6 +42,10 @@ class UpdateController : public QObject {
     /// Asks in the next turn of the event loop and every hour whether a check is due.
     void startAutomaticChecks();
 
+  Q_SIGNALS:
+    /// Emitted before what came of it is told.
+    void checkEnded();
+
   private:
     void check();
     void downloadFinished(const QByteArray& bytes, const QString& fault);
