@@ -3,8 +3,11 @@ velquin_library(shell
   HEADERS
     Classes/GraphViewController/ChangedFilesBar.h
     Classes/GraphViewController/DocumentPicture.h
+    Classes/GraphViewController/ExportChoices.h
+    Classes/GraphViewController/ExportPictureController.h
     Classes/GraphViewController/PaneSplitter.h
     Classes/GraphViewController/PaperView.h
+    Classes/GraphViewController/PictureWork.h
     Classes/GraphViewController/PlotTitleField.h
     Classes/GraphViewController/ShutterSound.h
     Classes/GraphViewController/SnapshotWriter.h
@@ -32,8 +35,11 @@ velquin_library(shell
   SOURCES
     Classes/GraphViewController/ChangedFilesBar.cpp
     Classes/GraphViewController/DocumentPicture.cpp
+    Classes/GraphViewController/ExportChoices.cpp
+    Classes/GraphViewController/ExportPictureController.cpp
     Classes/GraphViewController/PaneSplitter.cpp
     Classes/GraphViewController/PaperView.cpp
+    Classes/GraphViewController/PictureWork.cpp
     Classes/GraphViewController/PlotTitleField.cpp
     Classes/GraphViewController/ShutterSound.cpp
     Classes/GraphViewController/SnapshotWriter.cpp

@@ -5,6 +5,7 @@
 #include "Classes/CurvesSidebar/CCurveViewControllerDelegate.h"
 #include "Classes/GraphViewController/SnapshotWriter.h"
 #include "Classes/PlotView/PlotPage.h"
+#include "Classes/PlotView/PlotPicture.h"
 #include "Classes/PlotView/XGraphLegend.h"
 #include "Classes/PlotView/XPlotView.h"
 #include "Platform/Core/NotificationCenter.h"
@@ -102,6 +103,10 @@ class XGraphViewController : public XViewController,
     QImage getSnapshot();
     /// Alt held reveals, else Control held copies.
     void flagsChanged(Qt::KeyboardModifiers modifiers);
+    /// Asks what the picture is to be, and writes it; `name` is proposed for the file.
+    void onExportPicture(const QString& name);
+    /// What a picture of the plot shows now: its ranges too, unless the plot follows the data.
+    PlotPictureOptions pictureOptions() const;
     SnapshotWriter& snapshotWriter() { return m_snapshotWriter; }
 
   Q_SIGNALS:

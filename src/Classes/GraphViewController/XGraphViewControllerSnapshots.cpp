@@ -1,4 +1,7 @@
 // Snapshots of the plot: into a file, onto the clipboard, and the modes of the button that makes them.
+#include "Classes/Axes/XAxis.h"
+#include "Classes/GraphViewController/DocumentPicture.h"
+#include "Classes/GraphViewController/ExportPictureController.h"
 #include "Classes/GraphViewController/ImageExport.h"
 #include "Classes/GraphViewController/ShutterSound.h"
 #include "Classes/GraphViewController/XGraphViewController.h"
@@ -221,6 +224,26 @@ void XGraphViewController::onMakeSnapshotToPDF() {
     if (!result.isWritten())
         Alerts::shared().tell(m_view, tr("“%1” was not written.").arg(QFileInfo(path).fileName()),
                               u"%1: %2"_s.arg(path, result.reason));
+}
+
+void XGraphViewController::onExportPicture(const QString& name) {
+    auto* dialog = new ExportPictureController([this] { return pictureOptions(); }, name, m_view->window());
+    connect(dialog, &ExportPictureController::exported, this, [this](const QString& path) {
+        saySnapshot(tr("Picture written as “%1”").arg(QFileInfo(path).fileName()));
+    });
+    dialog->open();
+}
+
+PlotPictureOptions XGraphViewController::pictureOptions() const {
+    PlotPictureOptions options = pictureOptionsOf(*m_document);
+    options.showLegend = m_legendVisible;
+    options.blackBackground = m_blackBackground;
+    if (!isFittedToData()) {
+        const PlotScene& scene = plotView().scene();
+        const auto rangeOf = [](const XAxis& axis) { return XValueRange{axis.minValue(), axis.maxValue()}; };
+        options.ranges = {rangeOf(*scene.axisX()), rangeOf(*scene.axisY())};
+    }
+    return options;
 }
 
 // --- The picture

@@ -1,6 +1,7 @@
 #include "Classes/PlotView/PlotPicture.h"
 
 #include "Classes/PlotView/RecordedPicture.h"
+#include "Core/ClampToInt.h"
 #include "Platform/Core/WholeWrite.h"
 
 #include <QBuffer>
@@ -8,8 +9,18 @@
 #include <QSaveFile>
 
 #include <array>
+#include <cmath>
 
 using namespace Qt::StringLiterals;
+
+QSize pixelsOf(PictureSize size) {
+    return {clampToInt(std::round(size.width * size.scale)),
+            clampToInt(std::round(size.height * size.scale))};
+}
+
+bool isVectorFormat(PictureFormat format) {
+    return format == PictureFormat::Pdf || format == PictureFormat::Svg;
+}
 
 std::optional<PictureFormat> pictureFormatOfPath(const QString& path) {
     static const std::array<std::pair<QLatin1StringView, PictureFormat>, 5> endings{

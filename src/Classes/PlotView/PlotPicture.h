@@ -46,7 +46,11 @@ struct PictureSize {
     double scale = 1; ///< device pixels a point; vectors have none
 };
 
+QSize pixelsOf(PictureSize size);
+
 enum class PictureFormat { Png, Jpeg, Pdf, Svg };
+
+bool isVectorFormat(PictureFormat format);
 
 /// By the file's ending: png, jpg or jpeg, pdf, svg, in any case.
 std::optional<PictureFormat> pictureFormatOfPath(const QString& path);

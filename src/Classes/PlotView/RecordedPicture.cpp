@@ -6,7 +6,6 @@
 #include "Classes/PlotView/CurveRenderer.h"
 #include "Classes/PlotView/LegendDrawing.h"
 #include "Classes/PlotView/PlotScene.h"
-#include "Core/ClampToInt.h"
 
 #include <QImageWriter>
 #include <QPainter>
@@ -14,7 +13,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cmath>
 #include <new>
 #include <thread>
 
@@ -76,10 +74,6 @@ void drawLegend(PlotCanvas& canvas, const PlotLayout& layout, const PlotPictureO
 
 } // namespace
 
-bool isVectorFormat(PictureFormat format) {
-    return format == PictureFormat::Pdf || format == PictureFormat::Svg;
-}
-
 /// One curve, for the axes of the picture.
 struct RecordedPicture::CurveLayer {
     CurveSnapshot curve;
@@ -128,9 +122,10 @@ RecordedPicture::RecordedPicture(const PlotPictureOptions& options, PictureSize 
     m_overCurves.erase(m_overCurves.begin(), under);
 }
 
-QSize RecordedPicture::pixels() const {
-    return {clampToInt(std::round(m_size.width * m_size.scale)),
-            clampToInt(std::round(m_size.height * m_size.scale))};
+RecordedPicture RecordedPicture::scaled(double scale) const {
+    RecordedPicture copy = *this;
+    copy.m_size.scale = scale;
+    return copy;
 }
 
 /// `rendered` has an image or null a curve; without any, curves go in as vectors.
@@ -187,6 +182,8 @@ QImage RecordedPicture::draw(const std::stop_token& stop) const {
         return image;
     image.setDevicePixelRatio(m_size.scale);
     QPainter painter(&image);
+    if (m_size.scale < 1) // which painters do not take from their device
+        painter.scale(m_size.scale, m_size.scale);
     try {
         const std::vector<QImage> rendered = renderAhead(stop);
         paintPage(painter, m_page, PageOutput::Pixels,

@@ -17,8 +17,11 @@ class RecordedPicture {
     RecordedPicture(const PlotPictureOptions& options, PictureSize size, PictureFormat format);
 
     PictureFormat format() const { return m_format; }
-    /// Of the picture in pixels, whatever its format is.
-    QSize pixels() const;
+    QSizeF points() const { return m_page.size; }
+    double scale() const { return m_size.scale; } ///< device pixels a point
+    QSize pixels() const { return pixelsOf(m_size); }
+    /// The same picture with other pixels.
+    RecordedPicture scaled(double scale) const;
 
     /// In pixels. Null when it was stopped, or when there is no memory for so many.
     QImage draw(const std::stop_token& stop = {}) const;

@@ -346,6 +346,10 @@ constexpr MenuCommand snapshotCommands[] = {
      "Give the window 920 by 550, so that pictures of plots are of one size",
      [](Window& window) { window.onPrepareToSnapshot(); }},
     separator,
+    {"exportPicture", "&Export Picture…", "Ctrl+E", "Write a picture of any size, or a page or drawing",
+     [](Window& window) {
+         window.graphViewController().onExportPicture(QFileInfo(window.documentName()).completeBaseName());
+     }},
     {"diagnostics", "&Diagnostics", "", "What helps to find faults of the program", nullptr, plotState(),
      fillDiagnostics},
 };
