@@ -27,6 +27,7 @@ velquin_library(application
     Classes/Updates/Version.h
     Classes/WindowControllers/AboutWindowController.h
     Classes/WindowControllers/PreferencesWindowController.h
+    Classes/WindowControllers/ToolStacking.h
     Classes/WindowControllers/XPlotInspectorWindowController.h
     Classes/WindowControllers/XWindowController.h
   SOURCES
@@ -52,6 +53,7 @@ velquin_library(application
     Classes/Updates/Version.cpp
     Classes/WindowControllers/AboutWindowController.cpp
     Classes/WindowControllers/PreferencesWindowController.cpp
+    Classes/WindowControllers/ToolStacking.cpp
     Classes/WindowControllers/XPlotInspectorWindowController.cpp
     Classes/WindowControllers/XWindowController.cpp
   USES velquin_shell Qt6::Network

@@ -4,6 +4,7 @@
 #include "Classes/WindowControllers/DocumentController.h"
 #include "Classes/WindowControllers/EditCommands.h"
 #include "Classes/WindowControllers/MoxDocumentWindow.h"
+#include "Classes/WindowControllers/ToolStacking.h"
 #include "Core/LegendPlacement.h"
 #include "MoxDocument.h"
 #include "Platform/Widgets/Binding.h"
@@ -107,6 +108,7 @@ void XPlotInspectorWindowController::setCurrentDocument(MoxDocument* document) {
         found != m_documents.windows().end()) {
         m_documentWindow = *found;
         m_documentWindow->setTool(window());
+        ToolStacking::keepInFrontOf(*window(), m_documentWindow);
     }
     bindControls();
 }
@@ -166,12 +168,13 @@ void XPlotInspectorWindowController::show() {
     fitToContent();
     if (!m_lastPlace && beside != nullptr) {
         // The frame that the desktop will put around it is likely to be like the document's.
-        const QSize border = beside->frameGeometry().size() - beside->size();
-        m_lastPlace = placeBeside(beside->frameGeometry(), window()->size() + border,
-                                  beside->screen()->availableGeometry());
+        const QRect frame = beside->frameGeometry();
+        const QSize size = window()->size() + (frame.size() - beside->size());
+        m_lastPlace = placeBeside(frame, size, beside->screen()->availableGeometry()) +
+                      (beside->geometry().topLeft() - frame.topLeft());
     }
-    if (m_lastPlace)
-        window()->move(*m_lastPlace);
+    if (m_lastPlace) // of the content, which later changes of its size keep
+        window()->setGeometry(QRect(*m_lastPlace, window()->size()));
     window()->show();
     window()->raise();
     window()->activateWindow();
@@ -190,7 +193,7 @@ bool XPlotInspectorWindowController::eventFilter(QObject* object, QEvent* event)
         fitToContent();
     } else if (object == window() && event->type() == QEvent::Close) {
         EditCommands::commitTyping(*window());
-        m_lastPlace = window()->pos();
+        m_lastPlace = window()->geometry().topLeft();
     } else if (object == window() && event->type() == QEvent::Hide && !event->spontaneous()) {
         Q_EMIT closed();
     }

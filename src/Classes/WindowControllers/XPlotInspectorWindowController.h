@@ -64,5 +64,5 @@ class XPlotInspectorWindowController : public XWindowController {
     QPointer<MoxDocument> m_currentDocument;
     QPointer<MoxDocumentWindow> m_documentWindow; ///< of the current document
     QPointer<QWidget> m_lastFocus;                ///< before there was no document
-    std::optional<QPoint> m_lastPlace;
+    std::optional<QPoint> m_lastPlace;            ///< of the content, on the screen
 };
