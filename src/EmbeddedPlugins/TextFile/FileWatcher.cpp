@@ -210,7 +210,7 @@ void FileWatcher::dropUnusedWatches() {
 // ---- Events
 
 void FileWatcher::readEvents() {
-    alignas(inotify_event) std::array<char, 16 * 1024> buffer;
+    alignas(inotify_event) std::array<char, std::size_t{16} * 1024> buffer;
     ssize_t length = 0;
     while ((length = ::read(m_inotify, buffer.data(), buffer.size())) > 0) {
         for (std::size_t at = 0; at + sizeof(inotify_event) <= static_cast<std::size_t>(length);) {
