@@ -40,9 +40,14 @@ class RecoveryFixture : public WindowFixture {
         window.document().setPlotAreaTitle(QString::fromUtf8(title));
         nextTurn(window);
     }
-    /// As if the program were gone, and started again with an untouched window.
-    MoxDocumentWindow& crash() {
+    /// As if the program were gone.
+    void letGo() {
         controller.reset();
+        finishDeletions(); // the writing thread hands its files over to be released
+    }
+    /// The same, and started again with an untouched window.
+    MoxDocumentWindow& crash() {
+        letGo();
         const QList<MoxDocumentWindow*> open = documents.windows();
         for (MoxDocumentWindow* window : open)
             window->closeNow();

@@ -4,8 +4,11 @@
 #include "Classes/Recovery/DocumentSafety.h"
 #include "Classes/Recovery/RecoveryOffer.h"
 
+#include <QRandomGenerator>
+
 #include <csignal>
 #include <sys/stat.h>
+#include <sys/wait.h>
 
 using namespace Qt::StringLiterals;
 using support::ScratchFolder;
@@ -26,7 +29,7 @@ class LeftFiles : public RecoveryFixture {
 TEST_F(LeftFiles, areHeldByTheLiving) {
     ASSERT_TRUE(waitUntilKept(windowWith({u"1"_qs})));
     EXPECT_EQ(taken(), 0U);
-    controller.reset();
+    letGo();
     const auto held = AutosaveFolder::takeLeft(autosaves());
     ASSERT_EQ(held.size(), 1U);
     EXPECT_EQ(taken(), 0U) << "a second program finds it held";
@@ -37,7 +40,7 @@ TEST_F(LeftFiles, areHeldByTheLiving) {
 TEST_F(LeftFiles, thatAreDamagedOrStrangeAreSetAsideAndBlockNothing) {
     ASSERT_TRUE(waitUntilKept(windowWith({u"1"_qs})));
     const QByteArray good = ScratchFolder::read(autosaves() + u'/' + names().value(0));
-    controller.reset();
+    letGo();
     write(u"garbage.autosave"_qs, "garbage");
     write(u"empty.autosave"_qs, "");
     write(u"part.autosave"_qs, good.first(good.size() / 2));
@@ -71,6 +74,37 @@ TEST_F(LeftFiles, ofInterruptedWritesGoAfterAWhile) {
     write(u".velquin-2"_qs, "of a living program");
     EXPECT_EQ(taken(), 0U);
     EXPECT_EQ(QDir(autosaves()).entryList(QDir::Files | QDir::Hidden), QStringList{u".velquin-2"_qs});
+}
+
+/// A child that writes for ever until it is killed: after a few whole writes, somewhere in the next.
+TEST_F(LeftFiles, ofAProgramThatWasKilledWhileItWroteAreTheOldOrTheNew) {
+    const auto recordOf = [](int number) {
+        AutosaveRecord record{};
+        record.document.plist = {{u"Text"_qs, QString(1 << 18, QChar(u'a' + number % 2))}};
+        record.savedAt = record.document.editedSince = QDateTime::currentDateTime();
+        return PropertyList::writeXml(record.toPlist());
+    };
+    const QByteArray contents[] = {recordOf(0), recordOf(1)};
+    for (int round = 0; round < 5; ++round) {
+        AutosaveFile file(autosaves());
+        const pid_t writer = ::fork();
+        ASSERT_GE(writer, 0);
+        if (writer == 0) {
+            for (int i = 0;; ++i)
+                file.write(contents[i % 2]);
+        }
+        const auto isThere = [&] { return QFile::exists(file.path()); };
+        EXPECT_TRUE(waitUntil(isThere) &&
+                    waitUntil([&] { return QRandomGenerator::global()->bounded(8) == 0; }));
+        EXPECT_EQ(taken(), 0U) << "the child lives";
+        ASSERT_EQ(::kill(writer, SIGKILL), 0);
+        ASSERT_EQ(::waitpid(writer, nullptr, 0), writer);
+        const QByteArray left = ScratchFolder::read(file.path());
+        EXPECT_TRUE(left == contents[0] || left == contents[1]) << left.size();
+        const auto offered = AutosaveFolder::takeLeft(autosaves());
+        ASSERT_EQ(offered.size(), 1U);
+        offered[0].file->remove();
+    }
 }
 
 struct RecoverRow {
@@ -211,7 +245,7 @@ constexpr EndRow endRows[] = {
 TEST_F(RecoveryTest, endsOnDemandWithoutAQuestionAndKeepsWhatWaits) {
     for (const EndRow& row : endRows) {
         SCOPED_TRACE(row.name);
-        controller.reset();
+        letGo();
         std::optional<DocumentSafety> safety{std::in_place, documents, autosaves(), never};
         MoxDocumentWindow& window = windowWith({u"1"_qs});
         newWindow(); // without changes
