@@ -231,4 +231,38 @@ TEST_F(RealWindow, endsInTheMiddleOfARead) {
     EXPECT_EQ(program->waitForEnd(), 0) << program->errors().toStdString();
 }
 
+TEST_F(RealWindow, keepsThePreferences) {
+    const auto settings = [&] {
+        QStringList lines;
+        for (const QByteArray& line :
+             ScratchFolder::read(folder.path(u"home/velquin/velquin.conf"_qs)).split('\n')) {
+            if (line.startsWith("SnapshotsFormat") || line.startsWith("MaxRecentFiles"))
+                lines += QString::fromUtf8(line);
+        }
+        return lines.join(u' ');
+    };
+    const auto changeByKeys = [&](const QString& format, const QString& count) {
+        desktop.key(u"ctrl+comma"_qs);
+        ASSERT_TRUE(program->waitForWindow(u"Preferences"_qs));
+        desktop.steadyScreen();
+        desktop.key(u"Tab"_qs); // from the folder to its button
+        desktop.key(u"Tab"_qs);
+        desktop.key(format);
+        desktop.key(u"Tab"_qs);
+        desktop.key(count);
+        desktop.steadyScreen();
+        desktop.key(u"Escape"_qs);
+        ASSERT_TRUE(waitUntil([&] { return !program->hasWindow(u"Preferences"_qs); }));
+        useWindow(u"Velquin"_qs);
+        desktop.key(u"ctrl+q"_qs);
+        EXPECT_EQ(program->waitForEnd(), 0) << program->errors().toStdString();
+    };
+    start({}, u"Velquin"_qs);
+    changeByKeys(u"Down"_qs, u"Up"_qs);
+    EXPECT_EQ(settings(), u"MaxRecentFiles=16 SnapshotsFormat=1"_qs);
+    start({}, u"Velquin"_qs);
+    changeByKeys(u"Up"_qs, u"Up"_qs); // which does nothing to what is not shown
+    EXPECT_EQ(settings(), u"MaxRecentFiles=17 SnapshotsFormat=0"_qs);
+}
+
 } // namespace
