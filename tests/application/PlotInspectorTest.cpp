@@ -187,7 +187,9 @@ TEST_F(PlotInspectorTest, theLegendMovesToTheChosenPlace) {
         EXPECT_FALSE(cells[place]->accessibleName().isEmpty());
     }
     activate(*inspector().window());
-    cells[8]->setFocus();
+    control<QCheckBox>("showLegendBox").setFocus();
+    QTest::keyClick(&control<QCheckBox>("showLegendBox"), Qt::Key_Tab);
+    EXPECT_TRUE(cells[8]->hasFocus());
     QTest::keyClick(cells[8], Qt::Key_Left);
     EXPECT_EQ(picker.place(), 7);
     document().setLegendAlignment(LegendPlacement::flexibleLeft);

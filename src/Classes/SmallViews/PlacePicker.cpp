@@ -10,6 +10,8 @@
 #include <QPainter>
 #include <QRadioButton>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int columns = 3;
@@ -32,7 +34,7 @@ class PlaceCell : public QRadioButton {
         using namespace StylePainting;
         QPainter painter(this);
         const ThemeColors& colors = currentColors();
-        const QColor edge = !isEnabled() ? colors.line : isChecked() ? colors.accent : colors.edge;
+        const QColor edge = !isEnabled() ? colors.line : isChecked() ? colors.accent : colors.edge2;
         drawBox(painter, rect(), radius, isEnabled() ? colors.field : QColor(), edge);
         const int inset = hasFocus() ? 4 : 0;
         if (isChecked())
@@ -62,6 +64,15 @@ PlacePicker::PlacePicker(QWidget* parent) : QWidget(parent), m_cells(new QButton
         grid->addWidget(cell, place / columns, place % columns);
     }
     connect(m_cells, &QButtonGroup::idClicked, this, &PlacePicker::placeChosen);
+    connect(m_cells, &QButtonGroup::idToggled, this, &PlacePicker::chooseTabStop);
+    chooseTabStop();
+}
+
+/// The cell that is on, or the first.
+void PlacePicker::chooseTabStop() {
+    const int stop = std::max(0, place());
+    for (int each = 0; each < count; ++each)
+        m_cells->button(each)->setFocusPolicy(each == stop ? Qt::StrongFocus : Qt::ClickFocus);
 }
 
 int PlacePicker::place() const {

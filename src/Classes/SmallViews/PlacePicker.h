@@ -23,5 +23,7 @@ class PlacePicker : public QWidget {
     void placeChosen(int place);
 
   private:
+    void chooseTabStop();
+
     QButtonGroup* m_cells;
 };
