@@ -308,17 +308,19 @@ TEST_F(SingleInstanceTest, aRequestInPiecesIsServed) {
     EXPECT_TRUE(waitUntil([&] { return served.size() == 1; }));
 }
 
-TEST_F(SingleInstanceTest, anotherUserIsNeitherHeardNorAsked) {
+TEST_F(SingleInstanceTest, anotherUserIsNeitherAskedNorHeard) {
     startFirst();
+    place.user = ::geteuid() + 1; // who launches now
+    auto asking = launch();
+    EXPECT_TRUE(std::holds_alternative<IsAlone>(claimOf(asking)));
+    EXPECT_TRUE(served.isEmpty()) << "the first, which would hear it, is not asked";
+
     server.reset();
-    place.user = ::geteuid() + 1;
-    startFirst(); // belongs to that other user
-    EXPECT_TRUE(isHungUpOn(requestFrame())) << "the first hears its own user alone";
+    startFirst(); // which belongs to that other user
+    EXPECT_TRUE(isHungUpOn(requestFrame()));
     place.user = ::geteuid();
-    auto second = launch();
-    EXPECT_TRUE(std::holds_alternative<IsAlone>(claimOf(second)));
-    place.user = ::geteuid() + 1;
-    EXPECT_TRUE(std::holds_alternative<IsAlone>(claimInstance(place, aRequest, long_))) << "at once";
+    auto unheard = launch();
+    EXPECT_TRUE(std::holds_alternative<IsAlone>(claimOf(unheard)));
     EXPECT_TRUE(served.isEmpty());
 }
 
