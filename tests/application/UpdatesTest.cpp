@@ -236,6 +236,17 @@ TEST_F(UpdateControllerTest, whoAsksIsAnswered) {
     EXPECT_EQ(alerts.messages, QStringList{u"The package manager updates Velquin."_qs});
 }
 
+TEST(FeedDownloadTest, leadsToWhatIsAsSafe) {
+    const std::tuple<const char*, const char*, bool> rows[] = {
+        {"http://a/", "http://b/", true},       {"http://a/", "https://b/", true},
+        {"https://a/", "https://b/", true},     {"https://a/", "http://b/", false},
+        {"http://a/", "file:///b", false},      {"http://a/", "ftp://b/", false},
+        {"http://a/", "https://u:p@b/", false}, {"http://a/", "https:///b", false}};
+    for (const auto& [from, to, leads] : rows)
+        EXPECT_EQ(FeedDownload::mayLeadTo(QUrl(QLatin1String(from)), QUrl(QLatin1String(to))), leads)
+            << from << " " << to;
+}
+
 TEST_F(UpdateControllerTest, theRequestTellsNothingOfTheUser) {
     check(server.url(u"/moved"_qs));
     ASSERT_EQ(server.requests.size(), 2);

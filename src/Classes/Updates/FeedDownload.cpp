@@ -17,11 +17,6 @@ bool isWebAddress(const QUrl& url) {
            (url.scheme() == u"https"_qs || url.scheme() == u"http"_qs);
 }
 
-bool mayLeadTo(const QUrl& from, const QUrl& to) {
-    return isWebAddress(to) && to.userInfo().isEmpty() &&
-           (to.scheme() == u"https"_qs || from.scheme() == u"http"_qs);
-}
-
 } // namespace
 
 FeedDownload::FeedDownload(QUrl address, QByteArray userAgent, DownloadLimits limits, QObject* parent)
@@ -32,6 +27,11 @@ FeedDownload::FeedDownload(QUrl address, QByteArray userAgent, DownloadLimits li
 
 FeedDownload::~FeedDownload() {
     dropReply();
+}
+
+bool FeedDownload::mayLeadTo(const QUrl& from, const QUrl& to) {
+    return isWebAddress(to) && to.userInfo().isEmpty() &&
+           (to.scheme() == u"https"_qs || from.scheme() == u"http"_qs);
 }
 
 void FeedDownload::start() {

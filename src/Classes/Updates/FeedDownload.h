@@ -29,6 +29,10 @@ class FeedDownload : public QObject {
     FeedDownload(QUrl address, QByteArray userAgent, DownloadLimits limits = {}, QObject* parent = nullptr);
     ~FeedDownload() override;
 
+    /// Whether a redirection is followed: to an address of the web without a password, and not from https to
+    /// http.
+    static bool mayLeadTo(const QUrl& from, const QUrl& to);
+
     /// Called once.
     void start();
 
