@@ -152,6 +152,7 @@ Program::Program(const Desktop& desktop, const support::ScratchFolder& folder, c
     for (const QString& name : {u"XDG_CONFIG_HOME"_qs, u"XDG_DATA_HOME"_qs, u"XDG_STATE_HOME"_qs, u"HOME"_qs})
         variables.insert(name, folder.path(u"home"_qs));
     variables.insert(u"XDG_RUNTIME_DIR"_qs, folder.path()); // which is private
+    variables.insert(u"VELQUIN_AUTOSAVE_SECONDS"_qs, u"1"_qs);
     // The message bus library keeps a buffer of its own to the end; this is about its leak alone.
     const QString suppressions = folder.write(u"leaks.txt"_qs, "leak:libdbus-1.so\n");
     variables.insert(u"LSAN_OPTIONS"_qs, u"print_suppressions=0:suppressions="_qs + suppressions);

@@ -76,6 +76,7 @@ class Program {
     /// The exit code once the program has ended; -1 if it does not, or crashed.
     int waitForEnd();
     void kill() { m_process.kill(); }
+    void terminate() { m_process.terminate(); }
     QByteArray errors() { return m_process.readAllStandardError(); }
 
   private:

@@ -94,6 +94,17 @@ class RealWindow : public testing::Test {
         EXPECT_TRUE(waitUntil([&] { return QFile::exists(path); }));
         return savedDocument(path);
     }
+    QStringList autosaves() const {
+        return QDir(folder.path(u"home/velquin/autosave"_qs)).entryList({u"*.autosave"_qs}, QDir::Files);
+    }
+    /// An alert asks over the first window.
+    void startToAnAlert() {
+        program = std::make_unique<Program>(desktop, folder, QStringList());
+        const QStringList activeName{u"getactivewindow"_qs, u"getwindowname"_qs};
+        ASSERT_TRUE(waitUntil([&] { return desktop.xdotool(activeName) == u"Velquin"_qs; }))
+            << program->errors().toStdString();
+        desktop.steadyScreen();
+    }
     bool isEdited() const { return program->title().contains(u'*'); }
 
     Desktop desktop;
@@ -219,6 +230,57 @@ TEST_F(RealWindow, movesTheLegendAndKeepsItsPlace) {
     const QVariantMap options = saveAgain(document)[u"PlotAreaOptions"_qs].toMap();
     EXPECT_EQ(options[u"legendAlignment"_qs].toInt(), 4 + 32) << "left and bottom";
     EXPECT_GT(options[u"legendMargins"_qs].toList().value(0).toDouble(), 10);
+    desktop.key(u"ctrl+q"_qs);
+    EXPECT_EQ(program->waitForEnd(), 0) << program->errors().toStdString();
+}
+
+TEST_F(RealWindow, recoversWhatWasNotSavedWhenItWasKilled) {
+    start({folder.write(u"wave.csv"_qs, wave(50))}, u"wave"_qs);
+    desktop.key(u"ctrl+shift+n"_qs);
+    const QImage before = plot();
+    ASSERT_TRUE(waitUntil([&] { return autosaves().size() == 1; }));
+    program->kill();
+    EXPECT_EQ(program->waitForEnd(), -1);
+
+    startToAnAlert();
+    desktop.key(u"Return"_qs); // "Recover"
+    useWindow(u"wave"_qs);
+    EXPECT_TRUE(isEdited());
+    expectPlot(before, "after recovering it");
+    EXPECT_EQ(autosaves().size(), 1) << "kept until it is saved";
+    desktop.key(u"ctrl+q"_qs);
+    desktop.steadyScreen();
+    desktop.key(u"Tab"_qs); // from "Save" to "Discard"
+    desktop.key(u"Return"_qs);
+    EXPECT_EQ(program->waitForEnd(), 0) << program->errors().toStdString();
+    EXPECT_TRUE(autosaves().isEmpty());
+}
+
+TEST_F(RealWindow, keepsChangesWhenItIsTerminated) {
+    start({folder.write(u"wave.csv"_qs, wave(50))}, u"wave"_qs);
+    desktop.key(u"ctrl+shift+n"_qs);
+    ASSERT_TRUE(waitUntil([&] { return isEdited(); }));
+    desktop.key(u"ctrl+q"_qs);
+    ASSERT_TRUE(waitUntil([&] { return desktop.xdotool({u"getactivewindow"_qs}) != program->windowId(); }));
+    program->terminate(); // while the question stands
+    EXPECT_EQ(program->waitForEnd(), 0) << program->errors().toStdString();
+    ASSERT_EQ(autosaves().size(), 1);
+
+    startToAnAlert();
+    desktop.key(u"Escape"_qs); // "Later"
+    useWindow(u"Untitled"_qs);
+    program->terminate();
+    EXPECT_EQ(program->waitForEnd(), 0) << program->errors().toStdString();
+    EXPECT_EQ(autosaves().size(), 1);
+
+    startToAnAlert();
+    desktop.key(u"Return"_qs); // "Recover"
+    useWindow(u"wave"_qs);
+    const QString document = folder.path(u"kept.mox"_qs);
+    answerFileDialog(u"ctrl+s"_qs, u"Save"_qs, document);
+    ASSERT_TRUE(waitUntil([&] { return QFile::exists(document) && autosaves().isEmpty(); }));
+    EXPECT_EQ(savedDocument(document)[u"Curves"_qs].toList().size(), 1);
+    useWindow(u"kept"_qs);
     desktop.key(u"ctrl+q"_qs);
     EXPECT_EQ(program->waitForEnd(), 0) << program->errors().toStdString();
 }
