@@ -23,6 +23,7 @@ constexpr QRect windowFrame{40, 60, 1280, 800};
 constexpr QRect plotContainer{257, 100, 1011, 668};
 constexpr QPoint expressionSwitchOfY{230, 183};
 constexpr QPoint plotCentre{800, 400};
+constexpr QPoint snapshotButton{1257, 75};
 
 QByteArray wave(int rows) {
     QByteArray bytes;
@@ -325,6 +326,30 @@ TEST_F(RealWindow, keepsThePreferences) {
     start({}, u"Velquin"_qs);
     changeByKeys(u"Up"_qs, u"Up"_qs); // which does nothing to what is not shown
     EXPECT_EQ(settings(), u"MaxRecentFiles=17 SnapshotsFormat=0"_qs);
+}
+
+TEST_F(RealWindow, takesSnapshotsOfWhatIsOnTheScreen) {
+    const QString data = folder.write(u"waves.csv"_qs, wave(500));
+    start({data, u"--y"_qs, u"sin(c1/20)*c2"_qs}, u"waves"_qs);
+    const QImage shown = plot();
+    const QDir snapshots(folder.path(u"home/Pictures/Velquin"_qs));
+    const auto waitForSnapshots = [&](int count) {
+        return waitUntil([&] { return snapshots.entryList(QDir::Files).size() == count; });
+    };
+    desktop.key(u"ctrl+shift+e"_qs);
+    ASSERT_TRUE(waitForSnapshots(1));
+    const QImage snapshot(snapshots.filePath(snapshots.entryList(QDir::Files).value(0)));
+    EXPECT_EQ(snapshot.convertToFormat(shown.format()), shown);
+
+    const QPoint button = onScreen(snapshotButton);
+    desktop.xdotool({u"keydown"_qs, u"ctrl"_qs});
+    desktop.click(button); // which copies
+    desktop.xdotool({u"keyup"_qs, u"ctrl"_qs});
+    desktop.steadyScreen();
+    desktop.click(button);
+    desktop.click(button); // in the same second, as a rule
+    EXPECT_TRUE(waitForSnapshots(3));
+    expectPlot(shown, "after the snapshots");
 }
 
 } // namespace

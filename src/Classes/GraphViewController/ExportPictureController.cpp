@@ -114,7 +114,7 @@ void ExportPictureController::show(const ExportChoices& choices) {
     m_ui->formatBox->setCurrentIndex(static_cast<int>(choices.format));
     m_ui->widthField->setText(QString::number(choices.width));
     m_ui->heightField->setText(QString::number(choices.height));
-    const auto scale = std::ranges::find(ExportChoices::scales, choices.scale);
+    const auto* const scale = std::ranges::find(ExportChoices::scales, choices.scale);
     m_scales->button(static_cast<int>(scale - std::begin(ExportChoices::scales)))->setChecked(true);
     m_ui->legendBox->setChecked(choices.legend);
     m_ui->titlesBox->setChecked(choices.titles);
