@@ -127,7 +127,7 @@ void tellFailures(MoxDocumentWindow* over, const std::vector<RequestFailure>& fa
     if (lines.size() > mostNamed)
         lines = lines.first(mostNamed) << u"…"_qs;
     Alerts::shared().tell(over, Application::tr("%1 files cannot be opened.").arg(failures.size()),
-                          lines.join(u'\n'));
+                          lines.join(u"\n\n"_qs));
 }
 
 /// A user who started the program from a desktop sees no standard error.

@@ -62,6 +62,23 @@ TEST_F(Launch, handsItsFilesAndOptionsToTheFirst) {
     quit(first);
 }
 
+TEST_F(Launch, findsDataThatADocumentNamesRelativelyFromWhereItWasOpened) {
+    ASSERT_TRUE(QDir(folder.path()).mkpath(u"home/below"_qs));
+    const QByteArray data = folder.write(u"home/below/deep.csv"_qs, "1 2\n").toUtf8();
+    ASSERT_EQ(outcome({u"deep.csv"_qs, u"--save"_qs, u"deep.mox"_qs}, u"home/below"_qs).first, 0);
+    const QString document = folder.path(u"home/below/deep.mox"_qs);
+    folder.write(u"home/below/deep.mox"_qs, ScratchFolder::read(document).replace(data, "deep.csv"));
+    Program first(desktop, folder, {});
+    ASSERT_TRUE(first.waitForWindow(u"Untitled"_qs));
+    EXPECT_EQ(outcome({u"deep.mox"_qs}, u"home/below"_qs).first, 0);
+    ASSERT_TRUE(first.waitForWindow(u"deep"_qs));
+    EXPECT_FALSE(first.title().contains(u'*'));
+    desktop.key(u"ctrl+s"_qs);
+    EXPECT_TRUE(waitUntil([&] { return ScratchFolder::read(document).contains(data); }));
+    desktop.key(u"ctrl+q"_qs);
+    quit(first);
+}
+
 TEST_F(Launch, raisesTheWindowOfAFileThatIsOpen) {
     ASSERT_EQ(outcome({u"wave.csv"_qs, u"--save"_qs, u"wave.mox"_qs}).first, 0);
     ASSERT_TRUE(QFile::link(folder.path(u"wave.mox"_qs), folder.path(u"other.mox"_qs)));
