@@ -1,4 +1,5 @@
 // What becomes of a source when its file changes: offered or read by itself, how often, and what is kept.
+#include "EmbeddedPlugins/TextFile/LiveFile.h"
 #include "EmbeddedPlugins/TextFile/FileWatcher.h"
 #include "EmbeddedPlugins/TextFile/LiveFiles.h"
 #include "EmbeddedPlugins/TextFile/LiveStep.h"
@@ -222,6 +223,36 @@ TEST_F(LiveSource, WhatCannotBeReadToTheEndIsNotTriedAgainByItself) {
     EXPECT_TRUE(comesToRows(1003));
     append(file, "1\n");
     EXPECT_TRUE(comesToRows(1004)) << "it goes on once it was read";
+}
+
+/// A source whose reads last as long as the test likes.
+struct SlowSource final : LiveFileSource {
+    bool isReadingFile() const override { return isReading; }
+    bool hasRowsOfFile() const override { return true; }
+    void readByItself() override { ++reads; }
+    void fileIsBack() override {}
+    void setChangedOnDisk(bool) override {}
+    void isLiveChanged() override {}
+
+    bool isReading = true;
+    int reads = 0;
+};
+
+TEST_F(LiveSource, AChangeDuringAReadIsReadAfterIt) {
+    LiveFiles::set(file, true);
+    source.clean();
+    SlowSource slow;
+    LiveFile live(slow);
+    live.readBegins(file);
+    live.fileOpened(FileStamp::ofPath(file), false);
+    int seen = 0;
+    const auto watch = watcher.watch(file, [&] { ++seen; });
+    append(file, "3\n");
+    ASSERT_TRUE(support::waitUntil([&] { return seen == 1; }));
+    EXPECT_EQ(slow.reads, 0) << "the one that runs is let finish";
+    slow.isReading = false;
+    live.readEnded(false);
+    EXPECT_TRUE(support::waitUntil([&] { return slow.reads == 1; }));
 }
 
 TEST(LiveFiles, AreTheLatestOnesByTheirAbsolutePath) {
