@@ -210,7 +210,7 @@ TEST_F(PlotInspectorTest, showsTheDocumentInFrontAndGoesOnWhenItIsClicked) {
 
     // What waits is meant for the document for which it was typed.
     type(title, u"second"_s, Qt::Key());
-    activate(window);
+    document().windowDidBecomeMain();
     EXPECT_EQ(second.document().plotAreaTitle(), u"second"_s);
     EXPECT_EQ(document().plotAreaTitle(), u"one"_s);
     EXPECT_EQ(title.text(), u"one"_s);

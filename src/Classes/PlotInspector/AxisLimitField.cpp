@@ -12,7 +12,6 @@
 #include <utility>
 
 AxisLimitField::AxisLimitField(QWidget* parent) : RowTextField(parent) {
-    setPlaceholderText(tr("automatic"));
     connect(this, &QLineEdit::editingFinished, this, &AxisLimitField::commit);
     connect(this, &QLineEdit::textChanged, this, [this] {
         if (m_isRefused && text() == settledText())
@@ -78,6 +77,7 @@ void AxisLimitField::showLimit() {
         setText(settled);
     VelquinStyle::setFault(*this, {}); // the plain tooltip is back before it changes
     setToolTip(hint());
+    setPlaceholderText(m_document != nullptr ? tr("automatic") : QString());
     updateFault();
 }
 

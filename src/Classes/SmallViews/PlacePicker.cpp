@@ -18,6 +18,7 @@ constexpr int columns = 3;
 constexpr QSize cellSize{24, 16};
 constexpr int gap = 2;
 constexpr double radius = 2;
+constexpr int ringRoom = 4; ///< between the focus ring and the fill
 
 class PlaceCell : public QRadioButton {
   public:
@@ -36,9 +37,9 @@ class PlaceCell : public QRadioButton {
         const ThemeColors& colors = currentColors();
         const QColor edge = !isEnabled() ? colors.line : isChecked() ? colors.accent : colors.edge2;
         drawBox(painter, rect(), radius, isEnabled() ? colors.field : QColor(), edge);
-        const int inset = hasFocus() ? 4 : 0;
+        const int inset = hasFocus() ? ringRoom : 0;
         if (isChecked())
-            drawBox(painter, rect().adjusted(inset, inset, -inset, -inset), radius - inset / 4,
+            drawBox(painter, rect().adjusted(inset, inset, -inset, -inset), hasFocus() ? 1 : radius,
                     isEnabled() ? colors.accent : colors.disabled, {});
         if (isEnabled() && (underMouse() || isDown()))
             drawBox(painter, rect(), radius, isDown() ? colors.pressed : colors.hover, {});
