@@ -54,19 +54,6 @@ void applySourceOptions(MoxDocument& document, const CommandLine& line) {
     }
 }
 
-/// Data that a document names relatively are those that its opener stands by, not those of this process.
-void findDataFrom(const QDir& workingFolder, MoxDocument& document) {
-    if (workingFolder == QDir::current())
-        return;
-    for (const XDataSource& source : document.dataSourcesManager().dataSources()) {
-        auto* file = qobject_cast<XPTextFile*>(source.get());
-        const QString name = file != nullptr ? file->filename() : QString();
-        if (!name.isEmpty() && !name.startsWith(u'~') && QDir::isRelativePath(name))
-            file->setFilename(workingFolder.absoluteFilePath(name));
-    }
-    document.setUnedited(); // it was just read
-}
-
 bool asksForHeaderOfNumbers(const MoxDocument& document, const CommandLine& line) {
     const auto& sources = document.dataSourcesManager().dataSources();
     const auto* file = sources.empty() ? nullptr : qobject_cast<const XPTextFile*>(sources.front().get());
@@ -177,10 +164,10 @@ openRequested(const QString& file, const CommandLine& line, const QDir& workingF
     auto document = std::make_unique<MoxDocument>();
     if (file.isEmpty())
         return RequestFailure{u"\"\""_qs, u"the file's name is empty"_qs};
+    document->setWorkingFolder(workingFolder.absolutePath());
     if (MoxDocument::isDocument(file)) {
         if (const std::optional<QString> reason = document->readFromURL(file))
             return RequestFailure{file, *reason};
-        findDataFrom(workingFolder, *document);
         if (changesTheSource(line))
             applySourceOptions(*document, line);
     } else {

@@ -235,7 +235,17 @@ void MoxDocument::startObservingCurve(const XCurveHandle& curve) {
 void MoxDocument::stopObservingCurve(const XCurveHandle& curve) {
     m_observations.erase(curve.get());
 }
+void MoxDocument::setWorkingFolder(const QString& folder) {
+    m_workingFolder = folder;
+    for (const XDataSource& source : m_dataSourcesManager->dataSources()) {
+        if (auto* file = qobject_cast<XPTextFile*>(source.get()))
+            file->setWorkingFolder(folder);
+    }
+}
+
 void MoxDocument::startObservingPlugin(const XDataSource& plugin) {
+    if (auto* file = qobject_cast<XPTextFile*>(plugin.get()))
+        file->setWorkingFolder(m_workingFolder);
     observeForUndo(plugin, plugin->kvoKeys());
     m_contentObservations[plugin.get()] =
         Observation(*plugin, plugin->contentKeys(), [this](const KeyChange&) { updateChangeCount(); });

@@ -33,6 +33,7 @@ struct UnsavedDocument {
     QString filePath;                      ///< empty for one that never had a file
     std::optional<FileFingerprint> onDisk; ///< what that file held when it was last read or written
     QDateTime editedSince;
+    QString workingFolder; ///< from which relative names of data files count
 };
 
 /// Reads and writes the document file, keeps the undo history and the edited mark. Main thread. Works without
@@ -145,6 +146,9 @@ class MoxDocument : public Observable {
     /// Whether a data source is still reading.
     bool isReading() const;
 
+    /// Relative names of data files count from that folder; from the process's own until it is set.
+    void setWorkingFolder(const QString& folder);
+
   Q_SIGNALS:
     void editedChanged();
 
@@ -169,6 +173,7 @@ class MoxDocument : public Observable {
     std::map<const Observable*, Observation> m_contentObservations;
     Observation m_ownObservation;
     QString m_filePath;
+    QString m_workingFolder;
     std::optional<FileFingerprint> m_onDisk; ///< what the file held then
     std::optional<QDateTime> m_editedSince;
     bool m_dontDeleteTab = false;

@@ -5,6 +5,7 @@
 #include "Core/Assertions.h"
 #include "Platform/Core/PropertyList.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -126,7 +127,8 @@ std::optional<QString> MoxDocument::write(const QString& path, const PropertyLis
 }
 
 UnsavedDocument MoxDocument::unsaved() const {
-    return {plist(), m_filePath, m_onDisk, m_editedSince.value_or(QDateTime::currentDateTime())};
+    return {plist(), m_filePath, m_onDisk, m_editedSince.value_or(QDateTime::currentDateTime()),
+            m_workingFolder.isEmpty() ? QDir::currentPath() : m_workingFolder};
 }
 
 std::optional<QString> MoxDocument::restore(const UnsavedDocument& kept) {
@@ -134,6 +136,7 @@ std::optional<QString> MoxDocument::restore(const UnsavedDocument& kept) {
         return reason;
     m_filePath = kept.filePath;
     m_onDisk = kept.onDisk;
+    setWorkingFolder(kept.workingFolder);
     m_editedSince = kept.editedSince;
     updateChangeCount();
     return std::nullopt;

@@ -194,6 +194,8 @@ int runWindows(const CommandLine& line, InstanceServer* server) {
     if (server != nullptr) {
         server->listen(
             [&documents](const InstanceRequest& request) { return serveLaunch(documents, request); });
+        // From then on a launch waits until it can be the first.
+        QObject::connect(&documents, &DocumentController::willQuit, server, &InstanceServer::close);
         QObject::connect(qApp, &QCoreApplication::aboutToQuit, server, &InstanceServer::close);
     }
     const int exitCode = QApplication::exec();

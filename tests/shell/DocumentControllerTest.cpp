@@ -90,6 +90,19 @@ TEST_F(DocumentControllerTest, quittingAsksForEachAndOneCancelKeepsAll) {
     EXPECT_TRUE(documents.windows().isEmpty());
 }
 
+TEST_F(DocumentControllerTest, otherWindowsMayCloseWhileQuittingAsks) {
+    MoxDocumentWindow& answered = newWindow(); // unchanged: no question
+    MoxDocumentWindow& asked = windowWith({u"1"_qs});
+    newWindow();
+    documents.quit();
+    ASSERT_EQ(alerts.messages.size(), 1);
+    documents.windows().last()->closeNow();
+    answered.closeNow();
+    ASSERT_EQ(documents.windows(), QList{&asked});
+    alerts.answer(Discard);
+    EXPECT_TRUE(documents.windows().isEmpty());
+}
+
 TEST_F(DocumentControllerTest, theTitleCarriesTheEditedMark) {
     MoxDocumentWindow& window = windowWith({u"1"_qs});
     EXPECT_TRUE(window.isWindowModified());

@@ -21,6 +21,7 @@ constexpr QLatin1String name("Name");
 constexpr QLatin1String savedAt("SavedAt");
 constexpr QLatin1String editedSince("EditedSince");
 constexpr QLatin1String originalPath("OriginalPath");
+constexpr QLatin1String workingFolder("WorkingFolder");
 constexpr QLatin1String originalSize("OriginalSize");
 constexpr QLatin1String originalHash("OriginalHash");
 constexpr QLatin1String processId("ProcessId");
@@ -32,6 +33,13 @@ constexpr QLatin1String endedOnDemand("EndedOnDemand");
 QString shownName(const QVariant& value) {
     const QString name = value.toString().simplified().left(longestName);
     return name.isEmpty() ? DocumentController::tr("Untitled") : name;
+}
+
+/// An absolute path that was kept as bytes; empty if that is none.
+QString pathOf(const QVariant& value) {
+    const QByteArray path = value.toByteArray();
+    const bool isPath = path.startsWith('/') && path.size() < PATH_MAX && !path.contains('\0');
+    return isPath ? QFile::decodeName(path) : QString();
 }
 
 QDateTime localTime(const QVariant& value) {
@@ -47,6 +55,7 @@ QVariantMap AutosaveRecord::toPlist() const {
                       {Key::name, name},
                       {Key::savedAt, savedAt},
                       {Key::editedSince, document.editedSince},
+                      {Key::workingFolder, QFile::encodeName(document.workingFolder)},
                       {Key::processId, process.id},
                       {Key::processStart, process.start},
                       {Key::endedOnDemand, endedOnDemand}};
@@ -68,14 +77,14 @@ std::optional<AutosaveRecord> AutosaveRecord::fromPlist(const QVariant& root) {
         .document = {.plist = plist[Key::document].toMap(),
                      .filePath = {},
                      .onDisk = {},
-                     .editedSince = localTime(plist[Key::editedSince])},
+                     .editedSince = localTime(plist[Key::editedSince]),
+                     .workingFolder = {}},
         .name = shownName(plist[Key::name]),
         .savedAt = localTime(plist[Key::savedAt]),
         .process = {plist[Key::processId].toLongLong(), plist[Key::processStart].toULongLong()},
         .endedOnDemand = plist[Key::endedOnDemand].toBool()};
-    const QByteArray path = plist[Key::originalPath].toByteArray();
-    if (path.startsWith('/') && path.size() < PATH_MAX && !path.contains('\0'))
-        record.document.filePath = QFile::decodeName(path);
+    record.document.filePath = pathOf(plist[Key::originalPath]);
+    record.document.workingFolder = pathOf(plist[Key::workingFolder]);
     if (plist.contains(Key::originalHash))
         record.document.onDisk = {plist[Key::originalSize].toLongLong(),
                                   plist[Key::originalHash].toByteArray()};

@@ -47,7 +47,7 @@ void DataSourceTab::sourceChanged(const KeyChange& change) {
     if (file == nullptr || reason.isEmpty())
         return;
     // A file that is gone or closed to us was not begun: its page says so.
-    const QFileInfo info(expandedPath(file->filename()));
+    const QFileInfo info(file->path());
     if (file->filename().isEmpty() || (info.isFile() && info.isReadable()))
         Q_EMIT readWasGivenUp(reason);
 }

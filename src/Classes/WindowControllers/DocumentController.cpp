@@ -200,8 +200,12 @@ void DocumentController::windowCloses(MoxDocumentWindow& window) {
         else
             setMainWindow(m_frontOrder.last());
     }
-    if (m_mayClose && !m_mayClose->contains(&window)) // it took its question with it
+    if (m_mayClose)
+        m_mayClose->erase(&window); // another one may come to lie there
+    if (m_asked == &window) {       // it took its question with it
+        m_asked = nullptr;
         m_mayClose.reset();
+    }
     m_closedWindows.removeAll(nullptr);
     m_closedWindows.append(&window);
 }
@@ -219,7 +223,11 @@ void DocumentController::askNextToClose() {
     });
     if (next != m_windows.end()) {
         MoxDocumentWindow* window = *next;
+        m_asked = window;
         window->canCloseDocument([this, window](bool mayClose) {
+            m_asked = nullptr;
+            if (!m_mayClose)
+                return;
             if (!mayClose) {
                 m_mayClose.reset();
                 return;
@@ -230,6 +238,7 @@ void DocumentController::askNextToClose() {
         return;
     }
     m_mayClose.reset();
+    Q_EMIT willQuit();
     const QList<MoxDocumentWindow*> open = m_windows;
     for (MoxDocumentWindow* window : open)
         window->closeNow();

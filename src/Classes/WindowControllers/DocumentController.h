@@ -76,6 +76,8 @@ class DocumentController : public QObject {
     void documentWillClose(MoxDocumentWindow& window);
     /// Another document window is in front; null when none is.
     void mainWindowChanged(MoxDocumentWindow* window);
+    /// The program ends: every window has agreed, and closes next.
+    void willQuit();
 
   private:
     QString untitledName() const;
@@ -88,4 +90,5 @@ class DocumentController : public QObject {
     QList<MoxDocumentWindow*> m_frontOrder;             ///< those that were in front, the latest last
     MoxDocumentWindow* m_mainWindow = nullptr;
     std::optional<std::set<const MoxDocumentWindow*>> m_mayClose; ///< while quitting: who has answered
+    const MoxDocumentWindow* m_asked = nullptr; ///< while quitting: whose answer is waited for
 };

@@ -15,6 +15,7 @@
 #include "Platform/Core/UserDefaults.h"
 #include "Platform/Core/XViewController.h"
 
+#include <QDir>
 #include <QFile>
 #include <QStringDecoder>
 
@@ -141,6 +142,11 @@ void XPTextFile::setPlist(const QVariantMap& settings) {
     addFilenameToHistory(filename());
 }
 
+QString XPTextFile::path() const {
+    const QString path = expandedPath(m_filename);
+    return path.isEmpty() || m_workingFolder.isEmpty() ? path : QDir(m_workingFolder).absoluteFilePath(path);
+}
+
 void XPTextFile::setFilename(QString filename) {
     const bool wasLive = isLive();
     const QString old = std::exchange(m_filename, std::move(filename));
@@ -152,11 +158,11 @@ void XPTextFile::setFilename(QString filename) {
 }
 
 bool XPTextFile::isLive() const {
-    return LiveFiles::contains(m_filename);
+    return LiveFiles::contains(path());
 }
 
 void XPTextFile::setLive(bool live) {
-    LiveFiles::set(m_filename, live); // which tells all sources of that file
+    LiveFiles::set(path(), live); // which tells all sources of that file
 }
 
 void XPTextFile::setDelimiterType(int type) {
@@ -198,8 +204,8 @@ void XPTextFile::addFilenameToHistory(const QString& filename) {
 // ---- Reading
 
 bool XPTextFile::initReadData() {
-    m_follower->file.readBegins(filename()); // before the file is opened, so that no change is missed
-    InputFile input = openInputFile(filename());
+    m_follower->file.readBegins(path()); // before the file is opened, so that no change is missed
+    InputFile input = openInputFile(path());
     m_follower->file.fileOpened(input.stamp, input.file == nullptr);
     setReadError(input.refusal);
     m_input = std::move(input.file);

@@ -53,6 +53,11 @@ class XPTextFile : public XDataSourceProtocol {
     /// files.
     const QString& filename() const { return m_filename; }
     void setFilename(QString filename);
+    /// The folder from which a relative name counts; the process's own until it is set. Not saved.
+    void setWorkingFolder(const QString& folder) { m_workingFolder = folder; }
+    /// Where the file lies: the home folder spelled out, and relative to the working folder of this process
+    /// at most. Empty without a name.
+    QString path() const;
     /// See XPDataReader. Setting 0 switches `extractColumnNames` off: numbers have no header line.
     int delimiterType() const { return m_delimiterType; }
     void setDelimiterType(int type);
@@ -117,6 +122,7 @@ class XPTextFile : public XDataSourceProtocol {
 
     QString m_title;
     QString m_filename;
+    QString m_workingFolder;
     int m_delimiterType = 0;
     QString m_readError;
     std::unique_ptr<QIODevice> m_input;    ///< opened by `initReadData`

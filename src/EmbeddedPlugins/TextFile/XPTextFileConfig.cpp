@@ -169,7 +169,7 @@ void XPTextFileConfig::onBrowse() {
          .title = tr("Choose a Data File"),
          .filters = {tr("All files (*)")},
          .folderKey = path.isEmpty() ? QStringLiteral("DataFilesFolder") : QString(),
-         .startFolder = path.isEmpty() ? QString() : QFileInfo(expandedPath(path)).absolutePath()},
+         .startFolder = path.isEmpty() ? QString() : QFileInfo(plugin()->path()).absolutePath()},
         [page = QPointer<XPTextFileConfig>(this)](const QStringList& paths) {
             if (page == nullptr)
                 return;
@@ -186,7 +186,7 @@ void XPTextFileConfig::onReload() {
 // ---- Notices
 
 QString XPTextFileConfig::surveyedPath() const {
-    return plugin() == nullptr ? QString() : expandedPath(plugin()->filename());
+    return plugin() == nullptr ? QString() : plugin()->path();
 }
 
 void XPTextFileConfig::surveyChanged() {
