@@ -105,7 +105,7 @@ class XGraphViewController : public XViewController,
     void flagsChanged(Qt::KeyboardModifiers modifiers);
     /// Asks what the picture is to be, and writes it; `name` is proposed for the file.
     void onExportPicture(const QString& name);
-    /// What a picture of the plot shows now: its ranges too, unless the plot follows the data.
+    /// What a picture of the plot shows now, in the present ranges.
     PlotPictureOptions pictureOptions() const;
     SnapshotWriter& snapshotWriter() { return m_snapshotWriter; }
 

@@ -238,11 +238,9 @@ PlotPictureOptions XGraphViewController::pictureOptions() const {
     PlotPictureOptions options = pictureOptionsOf(*m_document);
     options.showLegend = m_legendVisible;
     options.blackBackground = m_blackBackground;
-    if (!isFittedToData()) {
-        const PlotScene& scene = plotView().scene();
-        const auto rangeOf = [](const XAxis& axis) { return XValueRange{axis.minValue(), axis.maxValue()}; };
-        options.ranges = {rangeOf(*scene.axisX()), rangeOf(*scene.axisY())};
-    }
+    const PlotScene& scene = plotView().scene();
+    const auto rangeOf = [](const XAxis& axis) { return XValueRange{axis.minValue(), axis.maxValue()}; };
+    options.ranges = {rangeOf(*scene.axisX()), rangeOf(*scene.axisY())};
     return options;
 }
 
