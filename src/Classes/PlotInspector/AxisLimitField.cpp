@@ -37,11 +37,10 @@ bool AxisLimitField::takesDates(const XAxisInfo& kind) {
 }
 
 void AxisLimitField::keyChanged(const KeyChange& change) {
-    if (std::strcmp(change.key, m_keys[0]) == 0)
-        showLimit();
-    else if (m_isRefused)
+    const bool isOwn = std::strcmp(change.key, m_keys[0]) == 0;
+    if (m_isRefused && !isOwn)
         commit(); // it may be right now
-    else if (std::strcmp(change.key, m_keys[2]) == 0)
+    else if (isOwn || std::strcmp(change.key, m_keys[2]) == 0)
         showLimit();
     else
         updateFault();
@@ -97,7 +96,7 @@ std::optional<double> AxisLimitField::valueOf(const char* key) const {
 }
 
 const XAxisInfo& AxisLimitField::kind() const {
-    const XAxisKind kind = m_document->valueForKey(m_keys[2]).value<XAxisKind>();
+    const auto* kind = m_document->valueForKey(m_keys[2]).value<XAxisKind>();
     return kind != nullptr ? *kind : XAxisManager::sharedManager().axisTypes().front();
 }
 
