@@ -58,11 +58,16 @@ void ChangedFilesBar::setSources(const XDataSourcesManager* sources) {
 void ChangedFilesBar::observeSources() {
     static constexpr const char* keys[] = {"isChangedOnDisk"};
     m_observations.clear();
+    const auto former =
+        std::exchange(m_dismissed, {}); // without those that went: another may come to lie there
     if (m_sources != nullptr)
         for (const XDataSource& source : m_sources->dataSources())
-            if (qobject_cast<XPTextFile*>(source.get()) != nullptr)
+            if (qobject_cast<XPTextFile*>(source.get()) != nullptr) {
                 m_observations.emplace_back(*source, keys,
                                             [this](const KeyChange& change) { fileChanged(change); });
+                if (former.contains(source.get()))
+                    m_dismissed.insert(source.get());
+            }
     showOffered();
 }
 

@@ -43,8 +43,11 @@ QStringList playerCommand(const QString& file, const std::function<QString(const
 void play() {
     if (!hasScreen() || !Appearance::instance().eventSounds())
         return;
-    QStringList command = playerCommand(
-        soundFile(), [](const QString& program) { return QStandardPaths::findExecutable(program); });
+    const QString file = soundFile();
+    if (file.isEmpty())
+        return;
+    QStringList command =
+        playerCommand(file, [](const QString& program) { return QStandardPaths::findExecutable(program); });
     if (command.isEmpty())
         return;
     QProcess player;

@@ -90,7 +90,6 @@ void UpdateController::startAutomaticChecks() {
 }
 
 void UpdateController::check() {
-    UserDefaults::standard().set(lastCheckKey(), QDateTime::currentDateTimeUtc().toString(Qt::ISODate));
     const QByteArray userAgent = QByteArray(Product::name) + '/' + m_configuration.version.toLatin1();
     m_download = new FeedDownload(m_configuration.feed, userAgent, m_configuration.limits, this);
     connect(m_download, &FeedDownload::finished, this, &UpdateController::downloadFinished);
@@ -103,6 +102,8 @@ void UpdateController::downloadFinished(const QByteArray& bytes, const QString& 
     if (!fault.isEmpty()) {
         tellFault(fault);
     } else {
+        // A day without a network is none on which was looked: that is tried again.
+        UserDefaults::standard().set(lastCheckKey(), QDateTime::currentDateTimeUtc().toString(Qt::ISODate));
         const ReleaseFeed::ReadResult feed = ReleaseFeed::read(bytes);
         if (feed.newest)
             tellRelease(*feed.newest);
