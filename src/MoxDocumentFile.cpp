@@ -132,7 +132,7 @@ UnsavedDocument MoxDocument::unsaved() const {
 }
 
 std::optional<QString> MoxDocument::restore(const UnsavedDocument& kept) {
-    if (const auto reason = loadOrClose(kept.plist))
+    if (auto reason = loadOrClose(kept.plist))
         return reason;
     m_filePath = kept.filePath;
     m_onDisk = kept.onDisk;

@@ -79,6 +79,14 @@ TEST_F(TextEditorPage, waitingTextIsHandedOverOnRequestAndOnlyOnce) {
     EXPECT_EQ(updates, 1) << "nothing waits";
     EXPECT_EQ(contentChanges, 1);
 
+    QTest::keyClicks(&text(), QStringLiteral("89"));
+    text().moveCursor(QTextCursor::Left);
+    page.handOverQuietly();
+    EXPECT_EQ(source.textData(), QStringLiteral("789"));
+    settle();
+    EXPECT_EQ(text().textCursor().position(), 2) << "whoever types goes on typing";
+    EXPECT_TRUE(text().document()->isUndoAvailable());
+
     source.setTextData(QStringLiteral("from elsewhere"));
     EXPECT_EQ(text().toPlainText(), QStringLiteral("from elsewhere"));
     contentChanges = 0;

@@ -135,7 +135,7 @@ void AutosaveController::writeAll(bool becauseTheProgramEnds) {
 
 void AutosaveController::enqueue(const std::shared_ptr<AutosaveFile>& file,
                                  std::optional<QVariantMap> content) {
-    const auto operation = std::make_shared<AutosaveOperation>(
+    auto operation = std::make_shared<AutosaveOperation>(
         file, std::move(content), [self = QPointer(this), file](const std::optional<QString>& failure) {
             if (self != nullptr)
                 self->wasWritten(file, failure);
@@ -145,7 +145,7 @@ void AutosaveController::enqueue(const std::shared_ptr<AutosaveFile>& file,
             if (static_cast<AutosaveOperation&>(*earlier).concerns(file))
                 earlier->cancel();
         }
-        return operation;
+        return std::move(operation);
     });
 }
 

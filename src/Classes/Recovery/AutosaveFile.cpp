@@ -27,7 +27,7 @@ AutosaveFile::AutosaveFile(QString path, FileDescriptor lock)
     : m_path(std::move(path)), m_lock(std::move(lock)) {}
 
 std::optional<QString> AutosaveFile::write(const QByteArray& bytes) {
-    if (const auto reason = AutosaveFolder::make(QFileInfo(m_path).path()))
+    if (auto reason = AutosaveFolder::make(QFileInfo(m_path).path()))
         return reason;
     FileDescriptor lock;
     const auto takeLock = [&](int descriptor) -> std::optional<PropertyList::FileError> {
