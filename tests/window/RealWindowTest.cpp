@@ -328,6 +328,54 @@ TEST_F(RealWindow, keepsThePreferences) {
     EXPECT_EQ(settings(), u"MaxRecentFiles=17 SnapshotsFormat=0"_qs);
 }
 
+TEST_F(RealWindow, inspectsThePlot) {
+    const QString data = folder.write(u"waves.csv"_qs, wave(500));
+    const QString document = folder.path(u"waves.mox"_qs);
+    start({data, u"--y"_qs, u"c2"_qs}, u"waves"_qs);
+    const QImage before = plot();
+    answerFileDialog(u"ctrl+s"_qs, u"Save"_qs, document);
+    ASSERT_TRUE(waitUntil([&] { return QFile::exists(document); }));
+    useWindow(u"waves"_qs);
+    desktop.key(u"ctrl+i"_qs);
+    ASSERT_TRUE(program->waitForWindow(u"Plot Inspector"_qs));
+    desktop.steadyScreen();
+    for (const QString& title : {u"Tides"_qs, u"Day"_qs}) { // of the plot, of the x axis
+        desktop.type(title);
+        desktop.key(u"Tab"_qs);
+    }
+    desktop.steadyScreen();
+    const QVariantMap options = saveAgain(document)[u"PlotAreaOptions"_qs].toMap(); // typed at the inspector
+    EXPECT_EQ(options[u"title"_qs], u"Tides"_qs);
+    EXPECT_EQ(options[u"axisTitleX"_qs], u"Day"_qs);
+    desktop.key(u"Escape"_qs);
+    ASSERT_TRUE(waitUntil([&] { return !program->hasWindow(u"Plot Inspector"_qs); }));
+    useWindow(u"waves"_qs);
+    EXPECT_FALSE(plot() == before) << "the titles are drawn";
+    desktop.key(u"ctrl+q"_qs);
+    EXPECT_EQ(program->waitForEnd(), 0) << program->errors().toStdString();
+}
+
+TEST_F(RealWindow, readsAFileThatChangesWhereThatIsWanted) {
+    const QString data = folder.write(u"live.csv"_qs, wave(300));
+    ASSERT_TRUE(QDir(folder.path()).mkpath(u"home/velquin"_qs));
+    folder.write(u"home/velquin/velquin.conf"_qs, "[General]\nLiveFiles=" + data.toUtf8() + '\n');
+    const QStringList arguments{data, u"--y"_qs, u"c2"_qs};
+    start(arguments, u"live"_qs);
+    const QImage before = plot();
+    const QString next = folder.write(u"next.csv"_qs, wave(900));
+    ASSERT_EQ(std::rename(qPrintable(next), qPrintable(data)), 0);
+    QImage after;
+    EXPECT_TRUE(waitUntil([&] {
+        after = plot();
+        return after != before;
+    }));
+    EXPECT_FALSE(isEdited());
+    desktop.key(u"ctrl+q"_qs);
+    EXPECT_EQ(program->waitForEnd(), 0) << program->errors().toStdString();
+    start(arguments, u"live"_qs);
+    expectPlot(after, "in a program that never knew the former file");
+}
+
 TEST_F(RealWindow, takesSnapshotsOfWhatIsOnTheScreen) {
     const QString data = folder.write(u"waves.csv"_qs, wave(500));
     start({data, u"--y"_qs, u"sin(c1/20)*c2"_qs}, u"waves"_qs);
