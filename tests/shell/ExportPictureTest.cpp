@@ -192,6 +192,7 @@ TEST_F(ExportPictureTest, mayBeClosedWhileItWorks) {
     height().setText(u"5000"_s);
     write(folder.path(u"p.png"_s));
     EXPECT_FALSE(canExport()) << "busy";
+    EXPECT_FALSE(control<QToolButton>("scale1Button").isEnabled());
     dialog->reject();
     finishDeletions();
     EXPECT_EQ(dialog, nullptr);

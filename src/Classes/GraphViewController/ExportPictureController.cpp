@@ -140,8 +140,6 @@ std::optional<ExportChoices> ExportPictureController::choices() const {
 /// Returns whether there are none.
 bool ExportPictureController::showFaults() {
     const bool isVector = isVectorFormat(static_cast<PictureFormat>(m_ui->formatBox->currentIndex()));
-    m_ui->scaleGroup->setEnabled(!isVector);
-    m_ui->scaleLabel->setEnabled(!isVector);
     m_ui->unitLabel->setText(isVector ? tr("pt") : tr("px"));
     QString first;
     for (QLineEdit* field : {m_ui->widthField, m_ui->heightField}) {
@@ -158,7 +156,7 @@ void ExportPictureController::choicesChanged() {
     ++m_surveyNumber; // what is under way no longer matters
     m_queue.cancelAll();
     m_isPossible = showFaults();
-    updateExportButton();
+    updateControls();
     if (m_isPossible) {
         if (const std::optional<ExportChoices> chosen = choices())
             showCaption(sizeWords(*chosen), false);
@@ -168,7 +166,11 @@ void ExportPictureController::choicesChanged() {
     }
 }
 
-void ExportPictureController::updateExportButton() {
+void ExportPictureController::updateControls() {
+    const bool isVector = isVectorFormat(static_cast<PictureFormat>(m_ui->formatBox->currentIndex()));
+    for (QWidget* control :
+         {static_cast<QWidget*>(m_ui->scaleGroup), static_cast<QWidget*>(m_ui->scaleLabel)})
+        control->setEnabled(!m_isWriting && !isVector);
     for (QWidget* control : {static_cast<QWidget*>(m_ui->formatBox), static_cast<QWidget*>(m_ui->widthField),
                              static_cast<QWidget*>(m_ui->heightField), static_cast<QWidget*>(m_ui->legendBox),
                              static_cast<QWidget*>(m_ui->titlesBox)})
@@ -211,7 +213,7 @@ void ExportPictureController::surveyed(quint64 number, const PictureSurvey& surv
     preview.setDevicePixelRatio(devicePixelRatioF());
     m_ui->previewLabel->setPixmap(QPixmap::fromImage(preview));
     m_isPossible = survey.failure.isEmpty();
-    updateExportButton();
+    updateControls();
     if (!m_isPossible)
         return showCaption(survey.failure, true);
     if (const std::optional<ExportChoices> chosen = choices())
@@ -260,7 +262,7 @@ void ExportPictureController::write(const QString& path) {
     m_pause.stop();
     m_queue.cancelAll();
     m_isWriting = true;
-    updateExportButton();
+    updateControls();
     m_ui->progressLabel->setText(tr("Writing “%1”…").arg(QFileInfo(path).fileName()));
     const RecordedPicture picture(chosen->applied(m_options()), chosen->size(), chosen->format);
     m_queue.add(std::make_shared<PictureOperation>(
@@ -276,7 +278,7 @@ void ExportPictureController::write(const QString& path) {
 void ExportPictureController::written(const QString& path, const std::optional<QString>& failure) {
     m_isWriting = false;
     m_ui->progressLabel->clear();
-    updateExportButton();
+    updateControls();
     if (failure)
         return tellFailure(path, *failure);
     Q_EMIT exported(path);

@@ -44,7 +44,7 @@ class ExportPictureController : public QDialog {
     void survey();
     void surveyed(quint64 number, const PictureSurvey& survey);
     void showCaption(const QString& text, bool isFault);
-    void updateExportButton();
+    void updateControls();
     void chooseFile();
     void write(const QString& path);
     void written(const QString& path, const std::optional<QString>& failure);
