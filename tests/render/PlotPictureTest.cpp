@@ -126,7 +126,7 @@ TEST(ImageExport, writesFilesAndTheClipboard) {
     EXPECT_EQ(ImageExport::saveAsPNG(image, jpeg).outcome, PlacedFile::Result::Outcome::NameTaken);
     EXPECT_FALSE(ImageExport::saveAsPNG(image, folder.path(QStringLiteral("none/c.png"))).isWritten());
 
-    ImageExport::copyToClipboard(image);
+    EXPECT_TRUE(ImageExport::copyToClipboard(image));
     const QMimeData* contents = QGuiApplication::clipboard()->mimeData();
     EXPECT_EQ(contents->formats().value(0), QStringLiteral("image/png"));
     EXPECT_EQ(QImage::fromData(contents->data(QStringLiteral("image/png"))).size(), image.size());

@@ -197,6 +197,7 @@ TEST_F(ExportPictureTest, mayBeClosedWhileItWorks) {
     finishDeletions();
     EXPECT_EQ(dialog, nullptr);
     EXPECT_EQ(folder.fileNames(), QStringList());
+    EXPECT_EQ(alerts.messages, QStringList()) << "whoever cancels needs no telling";
 }
 
 } // namespace

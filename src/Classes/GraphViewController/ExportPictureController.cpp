@@ -82,6 +82,7 @@ ExportPictureController::ExportPictureController(std::function<PlotPictureOption
 }
 
 ExportPictureController::~ExportPictureController() {
+    m_isEnding = true;
     m_queue.cancelAll();
 }
 
@@ -207,7 +208,7 @@ void ExportPictureController::survey() {
 }
 
 void ExportPictureController::surveyed(quint64 number, const PictureSurvey& survey) {
-    if (number != m_surveyNumber || m_isWriting)
+    if (m_isEnding || number != m_surveyNumber || m_isWriting)
         return;
     QImage preview = survey.preview;
     preview.setDevicePixelRatio(devicePixelRatioF());
@@ -276,6 +277,8 @@ void ExportPictureController::write(const QString& path) {
 }
 
 void ExportPictureController::written(const QString& path, const std::optional<QString>& failure) {
+    if (m_isEnding)
+        return;
     m_isWriting = false;
     m_ui->progressLabel->clear();
     updateControls();

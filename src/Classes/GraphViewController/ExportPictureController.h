@@ -58,5 +58,6 @@ class ExportPictureController : public QDialog {
     quint64 m_surveyNumber = 0;
     bool m_isPossible = true; ///< as the last survey found
     bool m_isWriting = false;
+    bool m_isEnding = false;   ///< what comes back from now on tells nobody
     OperationQueue m_queue{1}; ///< last: its end waits for what refers to the rest
 };

@@ -25,16 +25,18 @@ PlacedFile::Result save(const QImage& image, const char* format, int quality, co
 
 } // namespace
 
-void copyToClipboard(const QImage& image) {
+bool copyToClipboard(const QImage& image) {
     QBuffer png;
     png.open(QIODevice::WriteOnly);
-    image.save(&png, "PNG");
+    if (!image.save(&png, "PNG"))
+        return false;
     auto contents = std::make_unique<QMimeData>();
     // The bytes come first: other programs ask for them, and a picture alone would be encoded for each
     // request.
     contents->setData(QStringLiteral("image/png"), png.data());
     contents->setImageData(image);
     QGuiApplication::clipboard()->setMimeData(contents.release());
+    return true;
 }
 
 PlacedFile::Result saveAsJPEG(const QImage& image, const QString& path) {

@@ -57,6 +57,10 @@ double areaOf(const RecordedPicture& picture) {
 }
 
 /// Curve and image of it: two pictures in memory at once.
+QString noMemory() {
+    return tr("There is no memory for a picture of this size.");
+}
+
 bool fitsIntoMemory(const RecordedPicture& picture) {
     return isVectorFormat(picture.format()) ||
            areaOf(picture) * 8 < static_cast<double>(FreeMemory::tableLimit());
@@ -80,7 +84,7 @@ std::variant<qint64, QString> estimatedBytes(const RecordedPicture& picture, con
 
 std::variant<qint64, QString> bytesOf(const RecordedPicture& picture, const std::stop_token& stop) {
     if (!fitsIntoMemory(picture))
-        return tr("There is no memory for a picture of this size.");
+        return noMemory();
     if (!isVectorFormat(picture.format()) && areaOf(picture) > pixelsToEncode)
         return estimatedBytes(picture, stop);
     const Encoded whole = encoded(picture, stop);
@@ -115,6 +119,8 @@ PictureSurvey PictureWork::survey(const RecordedPicture& picture, QSize room, co
 
 std::optional<QString> PictureWork::write(const RecordedPicture& picture, const QString& path,
                                           const std::stop_token& stop) {
+    if (!fitsIntoMemory(picture))
+        return noMemory();
     const Encoded bytes = encoded(picture, stop);
     if (const auto* failure = std::get_if<QString>(&bytes))
         return *failure;

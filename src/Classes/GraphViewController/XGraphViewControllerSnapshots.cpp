@@ -7,6 +7,7 @@
 #include "Classes/GraphViewController/XGraphViewController.h"
 #include "Classes/PlotView/LegendDrawing.h"
 #include "Classes/ValueEncodings/XVelquin.h"
+#include "EmbeddedPlugins/TextFile/InputFile.h"
 #include "MoxDocument.h"
 #include "Platform/Core/Log.h"
 #include "Platform/Core/UserDefaults.h"
@@ -38,11 +39,6 @@ constexpr std::chrono::milliseconds blink{200};
 constexpr std::chrono::seconds newsStay{5};
 
 constexpr auto pdfPath = "/tmp/snapshot.pdf";
-
-QString withHome(const QString& path) {
-    const bool isAtHome = path == u'~' || path.startsWith(u"~/"_s);
-    return isAtHome ? QDir::homePath() + path.mid(1) : path;
-}
 
 QString elided(const QString& title, TextRole role, double room) {
     return QFontMetricsF(plotFont(role)).elidedText(title, Qt::ElideMiddle, room);
@@ -167,8 +163,10 @@ void XGraphViewController::blinkContainer(bool isBack) {
 }
 
 void XGraphViewController::copySnapshot(const QImage& image) {
-    ImageExport::copyToClipboard(image);
-    saySnapshot(tr("Snapshot copied to the clipboard"));
+    if (ImageExport::copyToClipboard(image))
+        saySnapshot(tr("Snapshot copied to the clipboard"));
+    else
+        tellSnapshotFailure(tr("The snapshot was not copied."), tr("There is no memory for it."));
 }
 
 void XGraphViewController::revealSnapshotsFolder() {
@@ -184,7 +182,7 @@ void XGraphViewController::withSnapshotsFolder(const QString& failure,
     if (!reason.isEmpty())
         return tellSnapshotFailure(failure, reason);
     if (folder && !folder->isEmpty())
-        return use(QDir(withHome(*folder)).absolutePath());
+        return use(QDir(expandedPath(*folder)).absolutePath());
     FilePanels::shared().choose(m_view,
                                 {.purpose = FilePanel::Purpose::ChooseFolder,
                                  .title = tr("Select directory for snapshots"),
@@ -193,8 +191,7 @@ void XGraphViewController::withSnapshotsFolder(const QString& failure,
                                 [use](const QStringList& paths) {
                                     if (paths.isEmpty())
                                         return;
-                                    UserDefaults::standard().set(u"SnapshotsDir"_s, paths.first());
-                                    UserDefaults::standard().set(u"SnapshotsDirType"_s, 0);
+                                    XVelquin::setSnapshotsDirectory(paths.first());
                                     use(paths.first());
                                 });
 }
@@ -202,10 +199,15 @@ void XGraphViewController::withSnapshotsFolder(const QString& failure,
 void XGraphViewController::tellSnapshotFailure(const QString& message, const QString& reason) {
     const QList<Alert::Button> buttons{{tr("OK"), Alert::Role::Accept},
                                        {tr("Open Preferences"), Alert::Role::Other}};
-    Alerts::shared().ask(m_view, {Alert::Kind::Fault, message, reason, buttons}, [this](int button) {
-        if (button == 1)
-            Q_EMIT preferencesRequested();
-    });
+    if (m_view == nullptr) { // the window went meanwhile
+        logMethod("-[XGraphViewController onMakeSnapshot:]", reason);
+        return;
+    }
+    Alerts::shared().ask(m_view, {Alert::Kind::Fault, message, reason, buttons},
+                         [self = QPointer(this)](int button) {
+                             if (button == 1 && self != nullptr)
+                                 Q_EMIT self->preferencesRequested();
+                         });
 }
 
 void XGraphViewController::saySnapshot(const QString& news) {
@@ -235,6 +237,8 @@ void XGraphViewController::onExportPicture(const QString& name) {
 }
 
 PlotPictureOptions XGraphViewController::pictureOptions() const {
+    if (m_document == nullptr) // which closes; a dialog may outlive it by a turn
+        return {};
     PlotPictureOptions options = pictureOptionsOf(*m_document);
     options.showLegend = m_legendVisible;
     options.blackBackground = m_blackBackground;

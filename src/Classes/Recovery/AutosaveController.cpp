@@ -31,7 +31,12 @@ class AutosaveOperation : public Operation {
             m_file->remove();
             return;
         }
-        const std::optional<QString> failure = m_file->write(PropertyList::writeXml(*m_content));
+        std::optional<QString> failure;
+        try {
+            failure = m_file->write(PropertyList::writeXml(*m_content));
+        } catch (const std::exception& error) { // no memory
+            failure = QString::fromUtf8(error.what());
+        }
         MainThread::perform([written = m_written, failure] { written(failure); });
     }
     bool concerns(const std::shared_ptr<AutosaveFile>& file) const { return m_file == file; }
@@ -123,7 +128,8 @@ void AutosaveController::write(MoxDocumentWindow& window, bool becauseTheProgram
     enqueue(guarded.file, record.toPlist());
 }
 
-void AutosaveController::writeAll(bool becauseTheProgramEnds) {
+QStringList AutosaveController::writeAll(bool becauseTheProgramEnds) {
+    m_notWritten.clear();
     for (const auto& [window, guarded] : m_guarded)
         window->commitPendingEdits();
     for (const auto& [window, guarded] : m_guarded) {
@@ -131,6 +137,10 @@ void AutosaveController::writeAll(bool becauseTheProgramEnds) {
             write(*window, becauseTheProgramEnds);
     }
     finishWriting();
+    bool isTold = false; // what was written, or was not
+    MainThread::perform([&isTold] { isTold = true; });
+    MainThread::serveUntil([&isTold] { return isTold; });
+    return m_notWritten;
 }
 
 void AutosaveController::enqueue(const std::shared_ptr<AutosaveFile>& file,
@@ -161,6 +171,7 @@ void AutosaveController::wasWritten(const std::shared_ptr<AutosaveFile>& file,
                                     [&](const auto& entry) { return entry.second.file == file; });
     if (found == m_guarded.end() || !found->first->document().isDocumentEdited())
         return;
+    m_notWritten += found->first->documentName();
     if (!found->second.due->isActive())
         putOff(found->second); // tried again
     if (!std::exchange(m_failureIsTold, true))

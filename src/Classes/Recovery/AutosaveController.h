@@ -7,6 +7,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <QTimer>
 
 #include <map>
@@ -32,8 +33,9 @@ class AutosaveController : public QObject {
     /// the document's changes.
     void adopt(MoxDocumentWindow& window, std::shared_ptr<AutosaveFile> file);
 
-    /// Writes every edited document, text that waits in its fields included, and waits for it.
-    void writeAll(bool becauseTheProgramEnds);
+    /// Writes every edited document, text that waits in its fields included, and waits for it. Returns the
+    /// names of those that could not be written.
+    QStringList writeAll(bool becauseTheProgramEnds);
     /// Whether something is still to be written or removed.
     bool isWriting() const { return !m_queue.isIdle(); }
 
@@ -59,5 +61,6 @@ class AutosaveController : public QObject {
     const AutosaveIntervals m_intervals;
     std::map<MoxDocumentWindow*, Guarded> m_guarded;
     bool m_failureIsTold = false; ///< until something is written again
+    QStringList m_notWritten;     ///< by the present `writeAll`
     OperationQueue m_queue{1};
 };

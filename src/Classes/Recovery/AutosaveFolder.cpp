@@ -22,6 +22,7 @@ namespace {
 
 constexpr qsizetype mostLeft = 100;
 constexpr off_t greatestAutosave = 257LL * 1024 * 1024; ///< a document's bound, and its envelope
+constexpr qint64 mostBytes = 512LL * 1024 * 1024; ///< that are held at once; the rest waits for another start
 constexpr qint64 interruptedAfterSeconds = 3600;
 constexpr mode_t ownerOnly = 0700;
 
@@ -92,6 +93,8 @@ std::optional<LeftAutosave> take(const QString& path) {
         return std::nullopt;
     const PropertyList::ReadResult content = PropertyList::read(contentOf(opened));
     auto record = AutosaveRecord::fromPlist(content.value.value_or(QVariant()));
+    if (content.value && AutosaveRecord::isOfLaterVersion(*content.value))
+        return std::nullopt;
     if (!record)
         throw Unusable(content.error.isEmpty() ? "not an autosave" : content.error.toStdString());
     if (!isLocked && record->process.isRunning())
@@ -141,8 +144,12 @@ std::vector<LeftAutosave> AutosaveFolder::takeLeft(const QString& path) {
     const QString pattern = u'*' + QLatin1String(AutosaveFile::suffix);
     const QStringList names =
         folder.entryList({pattern}, QDir::AllEntries | QDir::Hidden | QDir::System, QDir::Time);
+    qint64 bytes = 0;
     for (const QString& name : names.first(std::min(names.size(), mostLeft))) {
         const QString file = folder.filePath(name);
+        bytes += std::min<qint64>(QFileInfo(file).size(), greatestAutosave);
+        if (bytes > mostBytes)
+            break;
         try {
             if (auto taken = take(file))
                 left.push_back(std::move(*taken));

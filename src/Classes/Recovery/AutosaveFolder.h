@@ -26,8 +26,8 @@ QString standardPath();
 std::optional<QString> make(const QString& folder);
 
 /// Takes hold of what others left, the latest first, at most a hundred. What is no autosave of this user is
-/// logged and set aside; what a living program holds is passed over. Removes the leftovers of interrupted
-/// writes.
+/// logged and set aside; what a living program holds, or a later version wrote, is passed over. Removes the
+/// leftovers of interrupted writes.
 std::vector<LeftAutosave> takeLeft(const QString& path);
 
 } // namespace AutosaveFolder

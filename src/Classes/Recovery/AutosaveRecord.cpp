@@ -68,6 +68,10 @@ QVariantMap AutosaveRecord::toPlist() const {
     return plist;
 }
 
+bool AutosaveRecord::isOfLaterVersion(const QVariant& root) {
+    return root.toMap()[Key::version].toLongLong() > formatVersion;
+}
+
 std::optional<AutosaveRecord> AutosaveRecord::fromPlist(const QVariant& root) {
     const QVariantMap plist = root.toMap();
     if (plist[Key::version].toInt() != formatVersion ||

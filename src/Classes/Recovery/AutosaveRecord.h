@@ -22,4 +22,6 @@ struct AutosaveRecord {
     QVariantMap toPlist() const;
     /// Absent if that is no autosave. The document within is not looked into.
     static std::optional<AutosaveRecord> fromPlist(const QVariant& root);
+    /// Whether a later version of the program wrote that, for itself to read.
+    static bool isOfLaterVersion(const QVariant& root);
 };

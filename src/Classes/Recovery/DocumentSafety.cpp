@@ -3,11 +3,13 @@
 
 #include "Classes/WindowControllers/DocumentController.h"
 #include "Classes/WindowControllers/MoxDocumentWindow.h"
+#include "Platform/Widgets/Alerts.h"
 
 #include <QApplication>
 #include <QEvent>
 #include <QSessionManager>
 
+#include <cstdio>
 #include <utility>
 
 namespace {
@@ -35,11 +37,25 @@ DocumentSafety::DocumentSafety(DocumentController& documents, const QString& fol
     // The session may yet go on: somebody else can hold it up.
     const auto keepChanges = [this](QSessionManager& session) {
         session.setRestartHint(QSessionManager::RestartNever); // what was kept is offered at the next start
-        m_autosaves.writeAll(true);
+        const QStringList lost = m_autosaves.writeAll(true);
+        if (lost.isEmpty() || !session.allowsInteraction())
+            return;
+        session.release();
+        session.cancel();
+        tellNotKept(lost);
     };
     connect(qApp, &QGuiApplication::commitDataRequest, this, keepChanges, Qt::DirectConnection);
     connect(qApp, &QGuiApplication::saveStateRequest, this, keepChanges, Qt::DirectConnection);
     qApp->installEventFilter(this);
+}
+
+void DocumentSafety::tellNotKept(const QStringList& names) {
+    const auto tell = [this, names] {
+        Alerts::shared().tell(
+            m_documents.mainWindow(), tr("The session does not end."),
+            tr("Changes of “%1” could not be kept. They are still open here.").arg(names.join(tr("”, “"))));
+    };
+    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
 }
 
 void DocumentSafety::firstDocumentShown(MoxDocumentWindow& window) {
@@ -66,6 +82,8 @@ bool DocumentSafety::eventFilter(QObject* object, QEvent* event) {
 }
 
 void DocumentSafety::end() {
-    m_autosaves.writeAll(true);
-    QCoreApplication::exit(0);
+    const QStringList lost = m_autosaves.writeAll(true);
+    for (const QString& name : lost)
+        std::fprintf(stderr, "velquin: the changes of %s could not be kept\n", qPrintable(name));
+    QCoreApplication::exit(lost.isEmpty() ? 0 : 1);
 }

@@ -11,7 +11,8 @@ class DocumentController;
 
 /// Keeps changes, offers what was kept once the first document is shown, and ends the program without
 /// questions when the system or the session asks for it: the changes are kept, and the exit code is 0, since
-/// the program did as it was asked. Must go before the documents' windows do. Main thread.
+/// the program did as it was asked; 1 when some could not be kept, which holds up a session that listens.
+/// Must go before the documents' windows do. Main thread.
 class DocumentSafety : public QObject {
     Q_OBJECT
 
@@ -25,6 +26,7 @@ class DocumentSafety : public QObject {
 
   private:
     void firstDocumentShown(MoxDocumentWindow& window);
+    void tellNotKept(const QStringList& names);
     void end();
 
     DocumentController& m_documents;

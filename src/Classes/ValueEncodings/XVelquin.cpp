@@ -4,6 +4,7 @@
 #include "Platform/Core/Log.h"
 #include "Platform/Core/UserDefaults.h"
 
+#include <QFile>
 #include <QStandardPaths>
 
 #include <filesystem>
@@ -43,4 +44,12 @@ std::optional<QString> XVelquin::snapshotsDirectory(QString* failure) {
             return std::nullopt;
         return defaults.string(QStringLiteral("SnapshotsDir"));
     }
+}
+
+void XVelquin::setSnapshotsDirectory(const QString& path) {
+    UserDefaults& defaults = UserDefaults::standard();
+    defaults.set(QStringLiteral("SnapshotsDir"), path);
+    defaults.set(QStringLiteral("SnapshotsDirType"), 0);
+    // No sandbox stands between the program and the folder: its name is all there is to keep.
+    defaults.set(QStringLiteral("SnapshotsDirSecurityBookmark"), QFile::encodeName(path));
 }

@@ -12,4 +12,6 @@ class XVelquin {
     /// path. Absent when there is none or when it cannot be made, which is logged; `failure` then gets path
     /// and reason.
     static std::optional<QString> snapshotsDirectory(QString* failure = nullptr);
+    /// Stores a folder that the user chose.
+    static void setSnapshotsDirectory(const QString& path);
 };

@@ -152,17 +152,10 @@ void PreferencesWindowController::selectCustomSnapshotsDir() {
                                  .startFolder = expandedPath(defaults().string(folderKey()))},
                                 [this](const QStringList& paths) {
                                     if (!paths.isEmpty())
-                                        takeFolder(paths.first());
+                                        XVelquin::setSnapshotsDirectory(paths.first());
                                     else if (defaults().integer(folderTypeKey()) == Other)
                                         defaults().set(folderTypeKey(), m_chosenType);
                                 });
-}
-
-void PreferencesWindowController::takeFolder(const QString& path) {
-    defaults().set(folderKey(), path);
-    defaults().set(folderTypeKey(), int{Custom});
-    // No sandbox stands between the program and the folder: its name is all there is to keep.
-    defaults().set(u"SnapshotsDirSecurityBookmark"_qs, QFile::encodeName(path));
 }
 
 void PreferencesWindowController::openSnapshotsDirectory() {

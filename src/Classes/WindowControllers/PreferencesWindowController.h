@@ -37,7 +37,6 @@ class PreferencesWindowController : public XWindowController {
     void connectControls();
     void defaultChanged(const QString& key);
     void snapshotsDirTypeChanged();
-    void takeFolder(const QString& path);
     void showFolder();
     void showOthers();
 
