@@ -94,8 +94,8 @@ std::variant<MoxDocumentWindow*, RequestFailure> openWindow(DocumentController& 
     auto& document = std::get<std::unique_ptr<MoxDocument>>(opened);
     if (document->filePath().isEmpty())
         document->setUnedited();
-    MoxDocumentWindow& window =
-        documents.showDocument(std::move(document), QFileInfo(file).completeBaseName());
+    MoxDocumentWindow& window = documents.showDocument(
+        std::move(document), QFileInfo(file).completeBaseName(), documents.mainWindow());
     new PendingRequest(window, file, line); // the window owns it
     return &window;
 }

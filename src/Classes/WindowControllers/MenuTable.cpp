@@ -395,12 +395,9 @@ constexpr MenuCommand helpCommands[] = {
      askApplication<&ApplicationActions::onAboutPanel>, applicationState},
 };
 
-constexpr MenuRows theTable[] = {{"&File", fileCommands},
-                                 {"&Edit", editCommands},
-                                 {"&Data", dataCommands},
-                                 {"&Plot", plotCommands},
-                                 {"&Snapshot", snapshotCommands},
-                                 {"&Window", windowCommands, fillWindows},
+constexpr MenuRows theTable[] = {{"&File", fileCommands},         {"&Edit", editCommands},
+                                 {"&Data", dataCommands},         {"&Plot", plotCommands},
+                                 {"&Snapshot", snapshotCommands}, {"&Window", windowCommands, fillWindows},
                                  {"&Help", helpCommands}};
 
 } // namespace
