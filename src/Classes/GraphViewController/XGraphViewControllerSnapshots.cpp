@@ -223,7 +223,9 @@ void XGraphViewController::onMakeSnapshotToPDF() {
     if (writePdfPage(bytes, m_ui->plotViewContainer->size(), m_ui->plotArea_titleLabel->text(),
                      [this](QPainter& painter) { paintContainer(painter, PageOutput::Vector); }))
         result = PlacedFile::writeInSharedFolder(path, bytes.data());
-    if (!result.isWritten())
+    if (result.isWritten())
+        saySnapshot(tr("Snapshot written as “%1”").arg(path));
+    else
         Alerts::shared().tell(m_view, tr("“%1” was not written.").arg(QFileInfo(path).fileName()),
                               u"%1: %2"_s.arg(path, result.reason));
 }
