@@ -161,6 +161,7 @@ bool XPTextFile::isLive() const {
     return LiveFiles::contains(path());
 }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): it changes what all sources of that file do
 void XPTextFile::setLive(bool live) {
     LiveFiles::set(path(), live); // which tells all sources of that file
 }
