@@ -58,19 +58,22 @@ void AxisLimitField::commit() {
         const QString reason = value                ? reasonAgainst(*value)
                                : takesDates(kind()) ? tr("This is neither a date nor a number of seconds")
                                                     : tr("This is not a number");
-        m_isRefused = !reason.isEmpty();
         VelquinStyle::setFault(*this, reason);
-        if (m_isRefused)
+        if (!reason.isEmpty()) {
+            m_isRefused = true;
             return Q_EMIT refused(reason);
+        }
     }
-    m_isRefused = false;
+    if (std::exchange(m_isRefused, false))
+        Q_EMIT refused({});
     if (value != limit())
         m_document->setValueForKey(m_keys[0], QVariant::fromValue(value));
     showLimit();
 }
 
 void AxisLimitField::showLimit() {
-    m_isRefused = false;
+    if (std::exchange(m_isRefused, false))
+        Q_EMIT refused({});
     const QString settled = settledText();
     if (settled != text())
         setText(settled);

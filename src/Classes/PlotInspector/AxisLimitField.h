@@ -31,7 +31,7 @@ class AxisLimitField : public RowTextField {
     static bool takesDates(const XAxisInfo& kind);
 
   Q_SIGNALS:
-    void refused(const QString& reason);
+    void refused(const QString& reason); ///< empty: what was refused is right now, or gone
 
   protected:
     QString settledText() const override;

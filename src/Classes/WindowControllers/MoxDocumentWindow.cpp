@@ -177,10 +177,7 @@ DataSourceTab* MoxDocumentWindow::tabOf(const XDataSource& dataSource) const {
 void MoxDocumentWindow::addTabOf(const XDataSource& dataSource, int index) {
     auto* tab = new DataSourceTab(dataSource);
     connect(tab, &DataSourceTab::newsCame, this, &MoxDocumentWindow::newsCame);
-    connect(tab, &DataSourceTab::newsOutdated, this, [this](const QString& before, const QString& news) {
-        if (m_news == before && statusLine().message() == before)
-            showMessage(news);
-    });
+    connect(tab, &DataSourceTab::newsOutdated, this, &MoxDocumentWindow::replaceMessage);
     connect(tab, &DataSourceTab::readWasGivenUp, this, [this, dataSource](const QString& reason) {
         const QString sentence = DocumentController::asSentence(reason);
         const QString kept = tr("The data read before are kept.");
@@ -423,6 +420,11 @@ void MoxDocumentWindow::showMessage(const QString& message) {
     m_news = message;
     if (m_dragMessage.isEmpty())
         statusLine().setMessage(message);
+}
+
+void MoxDocumentWindow::replaceMessage(const QString& before, const QString& now) {
+    if (m_news == before && statusLine().message() == before)
+        showMessage(now);
 }
 
 /// What was read well does not hide what was not.

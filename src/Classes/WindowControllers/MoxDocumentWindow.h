@@ -93,6 +93,8 @@ class MoxDocumentWindow : public QMainWindow,
 
     /// Says something in the status line until the next thing is said there.
     void showMessage(const QString& message);
+    /// Puts `now` in the place of a message that does not hold any more, if that still stands there.
+    void replaceMessage(const QString& before, const QString& now);
 
     // DocumentWindow
     int dataSourceTabCount() const override;

@@ -16,6 +16,7 @@
 #include <QScreen>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -143,7 +144,12 @@ void XPlotInspectorWindowController::emptyControls() {
 }
 
 void XPlotInspectorWindowController::tellRefusal(const QString& reason) {
-    if (m_documentWindow != nullptr)
+    const QString before = std::exchange(m_refusal, reason);
+    if (m_documentWindow == nullptr)
+        return;
+    if (reason.isEmpty())
+        m_documentWindow->replaceMessage(before, reason);
+    else
         m_documentWindow->showMessage(reason);
 }
 

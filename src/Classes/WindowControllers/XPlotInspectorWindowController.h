@@ -63,6 +63,7 @@ class XPlotInspectorWindowController : public XWindowController {
     std::vector<NotificationCenter::Registration> m_registrations;
     QPointer<MoxDocument> m_currentDocument;
     QPointer<MoxDocumentWindow> m_documentWindow; ///< of the current document
+    QString m_refusal;                            ///< that was told last
     QPointer<QWidget> m_lastFocus;                ///< before there was no document
     std::optional<QPoint> m_lastPlace;            ///< of the content, on the screen
 };

@@ -9,7 +9,11 @@ XWindowController::XWindowController(QObject* parent)
     m_window->setAttribute(Qt::WA_QuitOnClose, false);
     auto* close = new QAction(m_window);
     close->setShortcuts({Qt::Key_Escape, Qt::CTRL | Qt::Key_W});
-    connect(close, &QAction::triggered, m_window, &QWidget::close);
+    // A list that hangs from a pop-up goes first.
+    connect(close, &QAction::triggered, m_window, [this] {
+        QWidget* popup = QApplication::activePopupWidget();
+        (popup != nullptr ? popup : m_window.data())->close();
+    });
     m_window->addAction(close);
 }
 
