@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Classes/WindowControllers/XWindowController.h"
+#include "MoxDocument.h"
 #include "Platform/Core/NotificationCenter.h"
 
 #include <QPoint>
@@ -13,7 +14,7 @@
 #include <vector>
 
 class DocumentController;
-class MoxDocument;
+
 class MoxDocumentWindow;
 
 namespace Ui {
