@@ -14,7 +14,6 @@
 #include <vector>
 
 class DocumentController;
-
 class MoxDocumentWindow;
 
 namespace Ui {
