@@ -17,8 +17,11 @@ namespace {
 void writeMissingDefaults() {
     UserDefaults& defaults = UserDefaults::standard();
     const std::pair<QString, QVariant> rows[] = {
-        {u"SUEnableAutomaticChecks"_qs, 1}, {u"SUSendProfileInfo"_qs, 1}, {u"SnapshotsDirType"_qs, 2},
-        {u"SnapshotsDir"_qs, QString()},    {u"SnapshotsFormat"_qs, 0},
+        {UpdateController::automaticChecksKey(), 1},
+        {u"SUSendProfileInfo"_qs, 1},
+        {u"SnapshotsDirType"_qs, 2},
+        {u"SnapshotsDir"_qs, QString()},
+        {u"SnapshotsFormat"_qs, 0},
     };
     for (const auto& [key, value] : rows) {
         if (!defaults.contains(key))

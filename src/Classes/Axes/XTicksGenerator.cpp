@@ -4,11 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace {
-
-constexpr double anyDuration = std::numeric_limits<double>::infinity();
 
 constexpr TimeTickStep secondSteps[] = {{2, 1, 1},   {5, 2, 1},   {10, 5, 1},
                                         {15, 10, 5}, {30, 15, 5}, {anyDuration, 30, 10}};

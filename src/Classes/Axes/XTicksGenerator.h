@@ -5,6 +5,7 @@
 #include "Classes/Axes/XAxisTick.h"
 
 #include <cstddef>
+#include <limits>
 #include <optional>
 #include <span>
 #include <vector>
@@ -18,10 +19,12 @@ struct TimeScale {
 
 /// A step between major marks, for as long as 120 pixels cover at most `upTo` seconds.
 struct TimeTickStep {
-    double upTo;
-    int count; ///< of the generator's unit
+    double upTo; ///< `anyDuration` in the last
+    int count;   ///< of the generator's unit
     double secondaryTickDelta;
 };
+
+constexpr double anyDuration = std::numeric_limits<double>::infinity();
 
 /// Makes one list of marks. This one steps by seconds; subclasses bring other steps.
 class XTicksGenerator {

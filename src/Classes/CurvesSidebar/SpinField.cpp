@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int besideText = 9; ///< in a field's box
+constexpr int besideNumber = 9; ///< in a field's box
 
 } // namespace
 
@@ -93,7 +93,7 @@ void SpinField::fitUnit() {
     const QRect text = lineEdit()->geometry();
     lineEdit()->setGeometry(text.x(), text.y(), width() - 1 - text.x(), text.height());
     const QString widest = textFromValue(maximum()) + m_unit;
-    const bool fits = fontMetrics().horizontalAdvance(widest) <= width() - besideText;
+    const bool fits = fontMetrics().horizontalAdvance(widest) <= width() - besideNumber;
     const QString fitting = fits ? m_unit : m_unit.trimmed();
     if (fitting != suffix())
         setSuffix(fitting);

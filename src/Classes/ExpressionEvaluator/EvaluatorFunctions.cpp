@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr double missing = std::numeric_limits<double>::quiet_NaN();
+constexpr double noValue = std::numeric_limits<double>::quiet_NaN();
 constexpr int anyNumber = -1; // of arguments
 
 class Arguments {
@@ -145,7 +145,7 @@ class FN_FIR_Filter final : public EvaluatorFunction<FN_FIR_Filter> {
 
     double value(const Arguments& arguments) {
         if (arguments.count() < 2)
-            return missing;
+            return noValue;
         m_coefficients.clear();
         for (int i = 1; i < arguments.count(); ++i)
             m_coefficients.push_back(arguments.number(i));
@@ -195,7 +195,7 @@ class CalendarFunction : public EvaluatorFunction<Derived> {
 
     static double value(const Arguments& arguments) {
         const auto fields = calendarFieldsOf(arguments.number(0));
-        return fields ? static_cast<double>(Derived::field(*fields)) : missing;
+        return fields ? static_cast<double>(Derived::field(*fields)) : noValue;
     }
 };
 
@@ -267,13 +267,13 @@ class FN_mktimestamp final : public EvaluatorFunction<FN_mktimestamp> {
         int fields[5];
         for (int i = 0; i < 6; ++i) {
             if (std::isnan(arguments.number(i)))
-                return missing;
+                return noValue;
         }
         for (int i = 0; i < 5; ++i) {
             const std::int64_t field = arguments.whole(i);
             fields[i] = static_cast<int>(field);
             if (fields[i] != field)
-                return missing;
+                return noValue;
         }
         return timestampOf({.year = fields[0],
                             .month = fields[1],

@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString tr(const char* text) {
+QString exportText(const char* text) {
     return QCoreApplication::translate("ExportPicture", text);
 }
 
@@ -78,10 +78,10 @@ QString exportSideFault(const QString& text, double scale) {
     const QLocale locale(QLocale::English);
     const std::optional<int> side = exportSide(text);
     if (!side)
-        return tr("A whole number from %1 to %2")
+        return exportText("A whole number from %1 to %2")
             .arg(locale.toString(ExportChoices::leastSide), locale.toString(ExportChoices::greatestSide));
     if (*side * scale > ExportChoices::greatestPixels)
-        return tr("At this scale the picture would have more than %1 pixels a side")
+        return exportText("At this scale the picture would have more than %1 pixels a side")
             .arg(locale.toString(ExportChoices::greatestPixels));
     return {};
 }

@@ -20,7 +20,7 @@ constexpr double smallSample = 1e6;
 constexpr double largeSample = 4e6;
 constexpr int finer = 2; ///< a preview is drawn so much larger and scaled down, which keeps its text readable
 
-QString tr(const char* text) {
+QString failureText(const char* text) {
     return QCoreApplication::translate("ExportPicture", text);
 }
 
@@ -58,7 +58,7 @@ double areaOf(const RecordedPicture& picture) {
 
 /// Curve and image of it: two pictures in memory at once.
 QString noMemory() {
-    return tr("There is no memory for a picture of this size.");
+    return failureText("There is no memory for a picture of this size.");
 }
 
 bool fitsIntoMemory(const RecordedPicture& picture) {
@@ -125,7 +125,7 @@ std::optional<QString> PictureWork::write(const RecordedPicture& picture, const 
     if (const auto* failure = std::get_if<QString>(&bytes))
         return *failure;
     if (stop.stop_requested())
-        return tr("It was cancelled.");
+        return failureText("It was cancelled.");
     const auto failed = PropertyList::writeAtomically(path, std::get<QByteArray>(bytes));
     return failed ? std::optional(failed->reason) : std::nullopt;
 }

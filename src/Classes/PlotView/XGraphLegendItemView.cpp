@@ -13,9 +13,9 @@
 
 namespace {
 
-constexpr const char* observedKeys[] = {"title",      "color",     "colorAlpha",
-                                        "ticksShape", "ticksSize", "pointsize_uses_expression",
-                                        "lineWidth",  "isVisible"};
+constexpr const char* shownKeys[] = {"title",      "color",     "colorAlpha",
+                                     "ticksShape", "ticksSize", "pointsize_uses_expression",
+                                     "lineWidth",  "isVisible"};
 
 constexpr int fieldMargin = 2; ///< of a line edit, at either side of its text
 constexpr int cursorRoom = 2;  ///< behind the text, for the insertion mark
@@ -64,7 +64,7 @@ void XGraphLegendItemView::setCurve(XCurveHandle curve) {
     m_curve = std::move(curve);
     if (!m_curve)
         return;
-    m_observation = Observation(*m_curve, observedKeys, [this](const KeyChange&) { updateUI(); });
+    m_observation = Observation(*m_curve, shownKeys, [this](const KeyChange&) { updateUI(); });
     updateUI();
 }
 

@@ -16,7 +16,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr unsigned ownerOnly = 0600;
+constexpr unsigned fileMode = 0600;
 
 } // namespace
 
@@ -38,7 +38,7 @@ std::optional<QString> AutosaveFile::write(const QByteArray& bytes) {
         ::flock(lock.get(), LOCK_EX | LOCK_NB);
         return std::nullopt;
     };
-    if (const auto failure = PropertyList::writeAtomically(m_path, bytes, takeLock, ownerOnly))
+    if (const auto failure = PropertyList::writeAtomically(m_path, bytes, takeLock, fileMode))
         return failure->reason;
     m_lock = std::move(lock);
     return std::nullopt;

@@ -24,7 +24,7 @@ constexpr qsizetype mostLeft = 100;
 constexpr off_t greatestAutosave = 257LL * 1024 * 1024; ///< a document's bound, and its envelope
 constexpr qint64 mostBytes = 512LL * 1024 * 1024; ///< that are held at once; the rest waits for another start
 constexpr qint64 interruptedAfterSeconds = 3600;
-constexpr mode_t ownerOnly = 0700;
+constexpr mode_t folderMode = 0700;
 
 /// Why a file can never be offered; a `system_error` says that it cannot be now.
 struct Unusable : std::runtime_error {
@@ -33,13 +33,13 @@ struct Unusable : std::runtime_error {
 
 void makeFolders(const QString& folder) {
     const QByteArray name = QFile::encodeName(folder);
-    if (::mkdir(name.constData(), ownerOnly) == 0 || errno == EEXIST)
+    if (::mkdir(name.constData(), folderMode) == 0 || errno == EEXIST)
         return;
     const qsizetype slash = folder.lastIndexOf(u'/');
     if (errno != ENOENT || slash <= 0)
         failWithErrno();
     makeFolders(folder.left(slash));
-    if (::mkdir(name.constData(), ownerOnly) != 0 && errno != EEXIST)
+    if (::mkdir(name.constData(), folderMode) != 0 && errno != EEXIST)
         failWithErrno();
 }
 
@@ -52,7 +52,7 @@ void checkFolder(const QString& folder) {
         failWithErrno();
     if (status.st_uid != ::geteuid())
         throw std::system_error(EPERM, std::generic_category());
-    if ((status.st_mode & 07777) != ownerOnly && ::fchmod(opened.get(), ownerOnly) != 0)
+    if ((status.st_mode & 07777) != folderMode && ::fchmod(opened.get(), folderMode) != 0)
         failWithErrno();
 }
 

@@ -17,10 +17,6 @@ namespace {
 
 constexpr qint64 secondsADay = 86400;
 
-QString automaticChecksKey() {
-    return u"SUEnableAutomaticChecks"_qs;
-}
-
 QString lastCheckKey() {
     return u"SULastCheckTime"_qs;
 }

@@ -7,6 +7,7 @@
 #include <QDateTime>
 #include <QObject>
 #include <QPointer>
+#include <QString>
 #include <QTimer>
 #include <QUrl>
 #include <QWidget>
@@ -25,6 +26,8 @@ class UpdateController : public QObject {
         DownloadLimits limits = {};
     };
     static Configuration productConfiguration();
+    /// Of the user default that says whether to look every day.
+    static QString automaticChecksKey() { return QStringLiteral("SUEnableAutomaticChecks"); }
 
     /// `frontWindow` is asked for the window over which to tell news that nobody has just asked for; it may
     /// give null. The first start of the program is known by its settings, so it must be made before their

@@ -2,6 +2,7 @@
 #include "Classes/WindowControllers/PreferencesWindowController.h"
 
 #include "Classes/SmallViews/MenuItemIcon.h"
+#include "Classes/Updates/UpdateController.h"
 #include "Classes/ValueEncodings/XVelquin.h"
 #include "Classes/WindowControllers/DocumentController.h"
 #include "EmbeddedPlugins/TextFile/InputFile.h"
@@ -41,10 +42,6 @@ QString formatKey() {
 
 QString recentFilesKey() {
     return u"MaxRecentFiles"_qs;
-}
-
-QString automaticChecksKey() {
-    return u"SUEnableAutomaticChecks"_qs;
 }
 
 UserDefaults& defaults() {
@@ -122,7 +119,7 @@ void PreferencesWindowController::connectControls() {
     connect(m_ui->recentField, &QSpinBox::valueChanged, this,
             [](int count) { defaults().set(recentFilesKey(), count); });
     connect(m_ui->updatesBox, &QCheckBox::clicked, this,
-            [](bool on) { defaults().set(automaticChecksKey(), on ? 1 : 0); });
+            [](bool on) { defaults().set(UpdateController::automaticChecksKey(), on ? 1 : 0); });
 }
 
 void PreferencesWindowController::defaultChanged(const QString& key) {
@@ -130,7 +127,7 @@ void PreferencesWindowController::defaultChanged(const QString& key) {
         snapshotsDirTypeChanged();
     else if (key == folderKey())
         showFolder();
-    else if (key == formatKey() || key == recentFilesKey() || key == automaticChecksKey())
+    else if (key == formatKey() || key == recentFilesKey() || key == UpdateController::automaticChecksKey())
         showOthers();
 }
 
@@ -197,5 +194,6 @@ void PreferencesWindowController::showOthers() {
     const QSignalBlocker blocker(m_ui->recentField);
     m_ui->formatBox->setCurrentIndex(defaults().integer(formatKey()) == 0 ? 0 : 1);
     m_ui->recentField->setValue(recent == 0 ? recentFilesAtFirst : recent);
-    m_ui->updatesBox->setChecked(m_hasReleaseFeed && defaults().integer(automaticChecksKey()) != 0);
+    m_ui->updatesBox->setChecked(m_hasReleaseFeed &&
+                                 defaults().integer(UpdateController::automaticChecksKey()) != 0);
 }

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr int lineHeight = 24;
+constexpr int heightAtUsualFont = 24;
 constexpr int sideMargin = 12;
 constexpr int labelGap = 6;
 constexpr int columnGap = 16;
@@ -38,7 +38,7 @@ StatusLine::StatusLine(QWidget* parent)
 }
 
 QSize StatusLine::sizeHint() const {
-    return {0, lineHeight + std::max(0, fontMetrics().height() - 16)};
+    return {0, heightAtUsualFont + std::max(0, fontMetrics().height() - 16)};
 }
 
 QLabel* StatusLine::addText(QPalette::ColorRole ink) {

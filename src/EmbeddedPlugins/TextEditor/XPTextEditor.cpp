@@ -11,7 +11,7 @@
 
 namespace {
 
-XPTextEditor::ConfigViewMaker& configViewMaker() {
+XPTextEditor::ConfigViewMaker& editorViewMaker() {
     static XPTextEditor::ConfigViewMaker maker;
     return maker;
 }
@@ -29,11 +29,11 @@ XPTextEditor::XPTextEditor(QObject* parent) : XPTextFile(parent) {
 XPTextEditor::~XPTextEditor() = default;
 
 void XPTextEditor::setConfigViewMaker(ConfigViewMaker maker) {
-    configViewMaker() = std::move(maker);
+    editorViewMaker() = std::move(maker);
 }
 
 std::unique_ptr<XViewController> XPTextEditor::configViewController() {
-    return configViewMaker() ? configViewMaker()(*this) : nullptr;
+    return editorViewMaker() ? editorViewMaker()(*this) : nullptr;
 }
 
 QString XPTextEditor::pluginIdentifier() const {

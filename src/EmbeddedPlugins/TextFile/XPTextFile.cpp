@@ -43,7 +43,7 @@ class TableRelease : public Operation {
 constexpr int progressIntervalMs = 40;
 constexpr int defaultMaxRecentFiles = 15;
 
-XPTextFile::ConfigViewMaker& configViewMaker() {
+XPTextFile::ConfigViewMaker& fileViewMaker() {
     static XPTextFile::ConfigViewMaker maker;
     return maker;
 }
@@ -101,11 +101,11 @@ XPTextFile::XPTextFile(QObject* parent)
 XPTextFile::~XPTextFile() = default;
 
 void XPTextFile::setConfigViewMaker(ConfigViewMaker maker) {
-    configViewMaker() = std::move(maker);
+    fileViewMaker() = std::move(maker);
 }
 
 std::unique_ptr<XViewController> XPTextFile::configViewController() {
-    return configViewMaker() ? configViewMaker()(*this) : nullptr;
+    return fileViewMaker() ? fileViewMaker()(*this) : nullptr;
 }
 
 QString XPTextFile::pluginIdentifier() const {
