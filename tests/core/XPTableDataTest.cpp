@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -98,6 +99,30 @@ TEST(XPTableData, RangesAreTheSameFromASummaryAndFromAScan) {
     table.writeValueAtColRow(2, 0, 1);
     expectRange(table.getRangeOfColumnIndexWithValidValuesInRange(1, {}), {1, 2},
                 "a write forgets the summary");
+}
+
+TEST(XPTableData, RangesOfLongColumnsAreTheSameFromASummaryAndFromAScan) {
+    std::mt19937 random(5);
+    for (int i = 0; i < 100; ++i) {
+        XPTableData table;
+        double base = 0;
+        for (std::uint64_t row = 0, rows = random() % 20'000; row < rows; ++row) {
+            if (row % 1000 == 0) // stretches of one sign, of both, and without any value
+                base = random() % 4 == 0 ? nan : static_cast<double>(random() % 9) - 4;
+            table.writeValueAtColRow(base + static_cast<double>(random() % 2000) / 1000, 0, row);
+        }
+        const XValueRange all{nan, nan};
+        const XValueRange positive{XPTableData::smallestPositive, nan};
+        const auto ranges = [&] {
+            return std::array{table.getRangeOfColumnIndexWithValidValuesInRange(1, all),
+                              table.getRangeOfColumnIndexWithValidValuesInRange(1, positive)};
+        };
+        const auto scanned = ranges();
+        table.summarizeColumns();
+        const auto summarized = ranges();
+        for (const std::size_t which : {0, 1})
+            expectRange(summarized[which], scanned[which], which == 0 ? "all" : "positive");
+    }
 }
 
 TEST(XPTableData, DropsColumnsWithoutData) {

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr double missing = std::numeric_limits<double>::quiet_NaN();
+constexpr double missingValue = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double greatestFinite = std::numeric_limits<double>::max();
 
@@ -28,6 +28,14 @@ constexpr std::uint64_t fillBlock = 512;
 std::uint64_t saturatedProduct(std::uint64_t a, std::uint64_t b) {
     std::uint64_t product = 0;
     return __builtin_mul_overflow(a, b, &product) ? std::numeric_limits<std::uint64_t>::max() : product;
+}
+
+/// Values that are ranged together, twice where need be: they stay in the nearest cache meanwhile.
+constexpr std::size_t rangedBlock = 2048;
+
+/// The least range that holds both; either may be {NaN, NaN}, which holds nothing.
+XValueRange united(XValueRange a, XValueRange b) {
+    return {std::fmin(a.minimum, b.minimum), std::fmax(a.maximum, b.maximum)};
 }
 
 /// Two doubles that the processor compares at once.
@@ -85,7 +93,7 @@ void XPTableData::setMemoryLimit(std::uint64_t bytes) {
 }
 
 void XPTableData::writeNullAtColRow(std::uint64_t col, std::uint64_t row) {
-    writeValueAtColRow(missing, col, row);
+    writeValueAtColRow(missingValue, col, row);
 }
 
 std::uint64_t XPTableData::columnsNumber() const {
@@ -155,7 +163,7 @@ bool XPTableData::resizeColumns(std::uint64_t columns, std::uint64_t rowCapacity
             static_cast<double*>(std::malloc(m_rowsAllocated * sizeof(double)))); // NOLINT(*-no-malloc)
         if (column == nullptr)
             return false;
-        std::fill_n(column.get(), m_rowsFilled, missing);
+        std::fill_n(column.get(), m_rowsFilled, missingValue);
         m_columns.push_back(std::move(column));
     }
     return true;
@@ -164,7 +172,7 @@ bool XPTableData::resizeColumns(std::uint64_t columns, std::uint64_t rowCapacity
 void XPTableData::fillRowsUpTo(std::uint64_t row) {
     const std::uint64_t end = std::min(m_rowsAllocated, (row / fillBlock + 1) * fillBlock);
     for (const Column& column : m_columns)
-        std::fill(column.get() + m_rowsFilled, column.get() + end, missing);
+        std::fill(column.get() + m_rowsFilled, column.get() + end, missingValue);
     m_rowsFilled = end;
 }
 
@@ -205,12 +213,24 @@ XValueRange XPTableData::getRangeOfColumnIndexWithValidValuesInRange(std::int32_
 void XPTableData::summarizeColumns() {
     m_summaries.clear();
     m_summaries.reserve(m_columns.size());
-    for (std::uint64_t index = 0; index < m_columns.size(); ++index) {
-        const auto values = column(index);
-        m_summaries.push_back({rangeOfValuesWithin(values, -greatestFinite, greatestFinite),
-                               rangeOfValuesWithin(values, smallestPositive, greatestFinite)});
-    }
+    for (std::uint64_t index = 0; index < m_columns.size(); ++index)
+        m_summaries.push_back(summaryOf(column(index)));
     m_summariesHold = true;
+}
+
+XPTableData::ColumnSummary XPTableData::summaryOf(std::span<const double> values) {
+    ColumnSummary summary;
+    for (std::size_t at = 0; at < values.size(); at += rangedBlock) {
+        const auto block = values.subspan(at, std::min(rangedBlock, values.size() - at));
+        const XValueRange all = rangeOfValuesWithin(block, -greatestFinite, greatestFinite);
+        summary.all = united(summary.all, all);
+        if (all.minimum >= smallestPositive)
+            summary.positive = united(summary.positive, all);
+        else if (all.maximum >= smallestPositive)
+            summary.positive =
+                united(summary.positive, rangeOfValuesWithin(block, smallestPositive, all.maximum));
+    }
+    return summary;
 }
 
 void XPTableData::removeColumnsWithoutData() {

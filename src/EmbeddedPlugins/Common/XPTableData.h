@@ -88,6 +88,7 @@ class XPTableData {
         XValueRange positive;
     };
 
+    static ColumnSummary summaryOf(std::span<const double> values);
     bool makeRoomFor(std::uint64_t col, std::uint64_t row);
     std::uint64_t capacityFor(std::uint64_t columns, std::uint64_t rows) const;
     bool resizeColumns(std::uint64_t columns, std::uint64_t rowCapacity);
