@@ -9,7 +9,7 @@
 #include "Core/LegendPlacement.h"
 #include "Platform/Core/FileFingerprint.h"
 #include "Platform/Core/Observable.h"
-#include "Platform/Core/PropertyList.h"
+#include "Platform/Core/PlacedFile.h"
 #include "Platform/Core/UndoManager.h"
 
 #include <QDateTime>
@@ -160,7 +160,7 @@ class MoxDocument : public Observable {
     template <class Object>
     void observeForUndo(const std::shared_ptr<Object>& object, std::span<const char* const> keys);
     std::optional<QString> loadOrClose(const QVariant& root);
-    std::optional<QString> write(const QString& path, const PropertyList::LastWord& lastWord);
+    std::optional<QString> write(const QString& path, const PlacedFile::LastWord& lastWord);
     PlotAreaOptions plotAreaOptions() const;
     void applyPlotAreaOptions(const PlotAreaOptions& options);
     void updateChangeCount();

@@ -102,11 +102,11 @@ std::optional<QString> MoxDocument::writeToURL(const QString& path) {
 
 MoxDocument::Saving MoxDocument::saveUnlessChanged() {
     bool changed = false;
-    const auto unlessChanged = [&](int) -> std::optional<PropertyList::FileError> {
+    const auto unlessChanged = [&](int) -> std::optional<QString> {
         // A file that is gone is written again: nothing is there that could be lost, and somebody who moved
         // it away keeps what was moved.
         changed = m_onDisk && changeSince(*m_onDisk, m_filePath) == FileChange::Changed;
-        return changed ? std::optional(PropertyList::FileError{}) : std::nullopt;
+        return changed ? std::optional(QString()) : std::nullopt;
     };
     const std::optional<QString> failure = write(m_filePath, unlessChanged);
     if (changed)
@@ -114,10 +114,11 @@ MoxDocument::Saving MoxDocument::saveUnlessChanged() {
     return {failure ? Saving::Outcome::Failed : Saving::Outcome::Saved, failure.value_or(QString())};
 }
 
-std::optional<QString> MoxDocument::write(const QString& path, const PropertyList::LastWord& lastWord) {
+std::optional<QString> MoxDocument::write(const QString& path, const PlacedFile::LastWord& lastWord) {
     const QByteArray bytes = PropertyList::writeXml(plist());
-    if (const auto failed = PropertyList::writeAtomically(path, bytes, lastWord))
-        return failed->reason;
+    const PlacedFile::Result result = PlacedFile::write(path, bytes, {.lastWord = lastWord});
+    if (!result.isWritten())
+        return result.reason;
     m_filePath = path;
     m_onDisk = FileFingerprint::of(bytes);
     m_changedWithoutUndo = false;

@@ -35,7 +35,6 @@ velquin_library(platform
     Platform/Core/PlacedFile.cpp
     Platform/Core/PropertyList.cpp
     Platform/Core/PropertyListBinary.cpp
-    Platform/Core/PropertyListFile.cpp
     Platform/Core/PropertyListXml.cpp
     Platform/Core/TypedNumber.cpp
     Platform/Core/UndoManager.cpp

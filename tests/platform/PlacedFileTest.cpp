@@ -1,24 +1,38 @@
-// Files that take a name in one step, and what others may have planted under it.
+// Files that take a name in one step: what others may have put under it, and what may fail meanwhile.
 #include "Platform/Core/PlacedFile.h"
 #include "support/TestSupport.h"
 
 #include <QFile>
 
-#include <csignal>
+#include <cerrno>
+#include <cstddef>
+#include <fcntl.h>
 #include <filesystem>
 #include <functional>
-#include <sys/resource.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <stdexcept>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <thread>
 
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
 using PlacedFile::Existing;
 using PlacedFile::Result;
+using support::ScratchFolder;
 
 namespace {
 
 using Outcome = Result::Outcome;
+
+unsigned modeOf(const QString& path) {
+    struct stat status = {};
+    EXPECT_EQ(::lstat(qPrintable(path), &status), 0);
+    return status.st_mode;
+}
 
 struct Planted {
     const char* what;
@@ -40,41 +54,144 @@ const Planted everything[] = {
 TEST(PlacedFile, nothingPlantedRedirectsTheBytes) {
     for (const Planted& planted : everything) {
         for (const Existing existing : {Existing::Replace, Existing::Keep}) {
-            const support::ScratchFolder folder;
+            const ScratchFolder folder;
             const QString victim = folder.write(u"victim"_s, "precious");
             const QString name = folder.path(u"name"_s);
             planted.plant(name.toStdString(), victim.toStdString());
             const bool replaces = existing == Existing::Replace;
             const Result result = replaces ? PlacedFile::writeInSharedFolder(name, "new")
-                                           : PlacedFile::write(name, "new", existing);
+                                           : PlacedFile::write(name, "new", {.existing = existing});
             EXPECT_EQ(result.outcome, replaces ? planted.replacing : Outcome::NameTaken) << planted.what;
-            EXPECT_EQ(support::ScratchFolder::read(victim), "precious") << planted.what;
+            EXPECT_EQ(ScratchFolder::read(victim), "precious") << planted.what;
             EXPECT_EQ(folder.fileNames(), (QStringList{u"name"_s, u"victim"_s})) << planted.what;
-            struct stat status = {};
-            ASSERT_EQ(::lstat(qPrintable(name), &status), 0);
-            EXPECT_EQ(status.st_mode == (S_IFREG | 0600), replaces && result.isWritten()) << planted.what;
+            EXPECT_EQ(modeOf(name) == (S_IFREG | 0600), replaces && result.isWritten()) << planted.what;
         }
     }
 }
 
-TEST(PlacedFile, isThereWholeOrNotAtAll) {
-    const support::ScratchFolder folder;
-    const QString file = folder.path(u"a"_s);
-    EXPECT_TRUE(PlacedFile::write(file, "new", Existing::Keep).isWritten());
-    EXPECT_EQ(support::ScratchFolder::read(file), "new");
+TEST(PlacedFile, updatesTheFileBehindALinkAndNothingButAFile) {
+    const ScratchFolder folder;
+    const QString file = folder.write(u"old.mox"_s, "old");
+    ASSERT_EQ(::chmod(qPrintable(file), 0640), 0);
+    ASSERT_TRUE(QFile::link(u"old.mox"_s, folder.path(u"link"_s)));
+    EXPECT_TRUE(PlacedFile::write(folder.path(u"link"_s), "new").isWritten());
+    EXPECT_EQ(ScratchFolder::read(file), "new");
+    EXPECT_EQ(modeOf(file), S_IFREG | 0640U);
 
-    rlimit before = {};
-    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
-    const rlimit full{.rlim_cur = 1000, .rlim_max = before.rlim_max};
-    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &full), 0);
-    const Result failure = PlacedFile::write(folder.path(u"b"_s), QByteArray(2000, 'x'), Existing::Keep);
-    ::setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, oldHandler);
-    EXPECT_EQ(failure.reason, u"File too large"_s);
-    EXPECT_EQ(PlacedFile::write(folder.path(u"none/a"_s), "x", Existing::Keep).reason,
-              u"No such file or directory"_s);
-    EXPECT_EQ(folder.fileNames(), QStringList(u"a"_s));
+    const auto reason = [](const QString& path) { return PlacedFile::write(path, "x").reason; };
+    EXPECT_EQ(reason(folder.path()), u"Is a directory"_s);
+    EXPECT_EQ(reason(folder.path(u"none/a.mox"_s)), u"No such file or directory"_s);
+    EXPECT_EQ(reason(file + u"/a.mox"_s), u"Not a directory"_s);
+    EXPECT_EQ(reason(u"/dev/null"_s), u"Invalid argument"_s);
+    ASSERT_TRUE(QFile::link(u"loop"_s, folder.path(u"loop"_s)));
+    EXPECT_EQ(reason(folder.path(u"loop"_s)), u"Too many levels of symbolic links"_s);
+    EXPECT_EQ(folder.fileNames(), (QStringList{u"link"_s, u"loop"_s, u"old.mox"_s}));
+}
+
+/// A call of the system that fails while all of these bits are set in its third argument.
+struct FailingCall {
+    unsigned number;
+    unsigned error;
+    unsigned bits = 0;
+};
+
+/// Does it on a thread of its own, whose calls fail.
+void withFailing(const std::vector<FailingCall>& calls, const std::function<void()>& work) {
+    std::vector<sock_filter> filter;
+    constexpr auto load = BPF_LD | BPF_W | BPF_ABS;
+    constexpr auto isEqual = BPF_JMP | BPF_JEQ | BPF_K;
+    for (const FailingCall& call : calls)
+        filter.insert(filter.end(),
+                      {BPF_STMT(load, offsetof(seccomp_data, nr)), BPF_JUMP(isEqual, call.number, 0, 4),
+                       BPF_STMT(load, offsetof(seccomp_data, args[2])),
+                       BPF_STMT(BPF_ALU | BPF_AND | BPF_K, call.bits), BPF_JUMP(isEqual, call.bits, 0, 1),
+                       BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | call.error)});
+    filter.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW));
+    std::thread([&] {
+        const sock_fprog program{static_cast<unsigned short>(filter.size()), filter.data()};
+        ASSERT_EQ(::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0), 0);
+        ASSERT_EQ(::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program), 0);
+        work();
+    }).join();
+}
+
+constexpr FailingCall noUnnamedFiles{SYS_openat, EOPNOTSUPP, O_TMPFILE & ~O_DIRECTORY};
+
+struct FaultRow {
+    const char* name;
+    std::vector<FailingCall> calls;
+    const char* reason = ""; ///< or it is written all the same
+};
+
+const FaultRow faultRows[] = {
+    {"none", {}},
+    {"no files without names", {noUnnamedFiles}},
+    {"nothing by which to name them", {{SYS_access, ENOENT}, {SYS_linkat, ENOENT}}},
+    {"no rename to free names", {{SYS_renameat2, EINVAL}}},
+    {"no links either", {noUnnamedFiles, {SYS_renameat2, EINVAL}, {SYS_link, EPERM}}},
+    {"folder cannot be synced", {{SYS_openat, EACCES, O_DIRECTORY}}},
+    {"disk full", {{SYS_write, ENOSPC}}, "No space left on device"},
+    {"disk full, named", {noUnnamedFiles, {SYS_write, ENOSPC}}, "No space left on device"},
+    {"sync", {{SYS_fsync, EIO}}, "Input/output error"},
+    {"quota, told late", {noUnnamedFiles, {SYS_close, EDQUOT}}, "Disk quota exceeded"},
+    {"naming", {{SYS_linkat, EMLINK}}, "Too many links"},
+    {"renaming", {{SYS_rename, EBUSY}, {SYS_renameat2, EBUSY}}, "Device or resource busy"},
+    {"read-only", {noUnnamedFiles, {SYS_openat, EROFS, O_CREAT}}, "Read-only file system"},
+};
+
+TEST(PlacedFile, isThereWholeOrAsItWasAndNothingBeside) {
+    for (const FaultRow& row : faultRows) {
+        for (const Existing existing : {Existing::Keep, Existing::Replace, Existing::Update}) {
+            for (const bool isThere : {false, true}) {
+                SCOPED_TRACE(row.name + std::to_string(static_cast<int>(existing)) + (isThere ? "old" : ""));
+                const ScratchFolder folder;
+                const QString file = isThere ? folder.write(u"a"_s, "old") : folder.path(u"a"_s);
+                ASSERT_EQ(isThere ? ::chmod(qPrintable(file), 0640) : 0, 0);
+                Result result;
+                withFailing(row.calls, [&] {
+                    result = PlacedFile::write(file, "new", {.existing = existing, .mode = 0600});
+                });
+                EXPECT_EQ(result.reason, QLatin1String(row.reason));
+                const bool isTaken = existing == Existing::Keep && isThere;
+                EXPECT_EQ(result.outcome, *row.reason != '\0' ? Outcome::Failed
+                                          : isTaken           ? Outcome::NameTaken
+                                                              : Outcome::Written);
+                EXPECT_EQ(folder.fileNames(),
+                          isThere || result.isWritten() ? QStringList(u"a"_s) : QStringList());
+                if (!folder.fileNames().isEmpty()) {
+                    EXPECT_EQ(ScratchFolder::read(file), result.isWritten() ? "new" : "old");
+                    const bool isNew = result.isWritten() && (existing == Existing::Replace || !isThere);
+                    EXPECT_EQ(modeOf(file) & 0777, isNew ? 0600U : 0640U);
+                }
+            }
+        }
+    }
+}
+
+TEST(PlacedFile, theLastWordIsAskedOfAWholeFileThatHasNoNameYet) {
+    for (const auto& calls : {std::vector<FailingCall>{}, {noUnnamedFiles}}) {
+        const ScratchFolder folder;
+        const QString file = folder.write(u"a"_s, "old");
+        const bool isNamed = !calls.empty(); // whatever the scratch folder's file system can do
+        QByteArray seen;
+        qsizetype names = 0;
+        const auto refuses = [&](int descriptor) {
+            seen = ScratchFolder::read(u"/proc/self/fd/%1"_s.arg(descriptor));
+            names = folder.fileNames().size();
+            return u"no"_s;
+        };
+        withFailing(calls, [&] {
+            EXPECT_EQ(PlacedFile::write(file, "new", {.lastWord = refuses}).reason, u"no"_s);
+            EXPECT_EQ(seen, "new");
+            EXPECT_THROW(PlacedFile::write(file, "new", {.lastWord = [](int) -> std::optional<QString> {
+                                               throw std::runtime_error("no");
+                                           }}),
+                         std::runtime_error);
+        });
+        EXPECT_EQ(names, isNamed ? 2 : 1) << "a program that is killed now leaves nothing beside";
+        EXPECT_EQ(ScratchFolder::read(file), "old");
+        EXPECT_EQ(folder.fileNames(), QStringList(u"a"_s));
+    }
 }
 
 } // namespace

@@ -1,20 +1,16 @@
-// Property lists: both forms against an independent implementation, hostile input, and replacing files.
+// Property lists: both forms against an independent implementation, and hostile input.
 #include "Platform/Core/PropertyList.h"
 #include "support/TestSupport.h"
 
 #include <QDateTime>
-#include <QFile>
 #include <QProcess>
 
 #include <gtest/gtest.h>
 
 #include <bit>
 #include <cmath>
-#include <csignal>
 #include <limits>
 #include <random>
-#include <sys/resource.h>
-#include <sys/stat.h>
 
 namespace {
 
@@ -334,49 +330,6 @@ TEST(PropertyList, tellsPropertyListsFromDataFiles) {
     EXPECT_TRUE(PropertyList::looksLikePropertyList(PropertyList::writeXml(1).first(80)));
     for (const char* other : {"", "1,2\n", "<html>", "x <plist", "<?xml version=\"1.0\"?>\n<svg>"})
         EXPECT_FALSE(PropertyList::looksLikePropertyList(other)) << other;
-}
-
-TEST(WriteAtomically, replacesTheFileBehindALinkAndKeepsItsMode) {
-    const support::ScratchFolder folder;
-    const QString file = folder.write(u"old.mox"_qs, "old");
-    ASSERT_EQ(::chmod(qPrintable(file), 0640), 0);
-    ASSERT_TRUE(QFile::link(u"old.mox"_qs, folder.path(u"link"_qs)));
-    EXPECT_FALSE(PropertyList::writeAtomically(folder.path(u"link"_qs), "new"));
-    EXPECT_FALSE(PropertyList::writeAtomically(folder.path(u"fresh"_qs), "fresh"));
-    EXPECT_EQ(support::ScratchFolder::read(file), "new");
-    EXPECT_EQ(support::ScratchFolder::read(folder.path(u"fresh"_qs)), "fresh");
-    EXPECT_EQ(folder.fileNames(), (QStringList{u"fresh"_qs, u"link"_qs, u"old.mox"_qs}));
-    struct stat status = {};
-    ASSERT_EQ(::stat(qPrintable(file), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777, 0640U);
-}
-
-TEST(WriteAtomically, aFailureLeavesTheOldFileWholeAndNothingBeside) {
-    const support::ScratchFolder folder;
-    const QString file = folder.write(u"old.mox"_qs, "old");
-    rlimit before = {};
-    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
-    const rlimit full{.rlim_cur = 1000, .rlim_max = before.rlim_max};
-    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &full), 0);
-    const auto failure = PropertyList::writeAtomically(file, QByteArray(2000, 'x'));
-    ::setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, oldHandler);
-    ASSERT_TRUE(failure);
-    EXPECT_EQ(failure->reason, u"File too large"_qs);
-    EXPECT_EQ(support::ScratchFolder::read(file), "old");
-
-    const auto reason = [](const QString& path) {
-        const auto failed = PropertyList::writeAtomically(path, "x");
-        return failed ? failed->reason : QString();
-    };
-    EXPECT_EQ(reason(folder.path()), u"Is a directory"_qs);
-    EXPECT_EQ(reason(folder.path(u"none/a.mox"_qs)), u"No such file or directory"_qs);
-    EXPECT_EQ(reason(file + u"/a.mox"_qs), u"Not a directory"_qs);
-    EXPECT_EQ(reason(u"/dev/null"_qs), u"Invalid argument"_qs);
-    ASSERT_TRUE(QFile::link(u"loop"_qs, folder.path(u"loop"_qs)));
-    EXPECT_EQ(reason(folder.path(u"loop"_qs)), u"Too many levels of symbolic links"_qs);
-    EXPECT_EQ(folder.fileNames(), (QStringList{u"loop"_qs, u"old.mox"_qs}));
 }
 
 } // namespace

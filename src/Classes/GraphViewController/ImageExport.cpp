@@ -20,7 +20,7 @@ PlacedFile::Result save(const QImage& image, const char* format, int quality, co
     writer.setQuality(quality);
     if (!writer.write(image))
         return {PlacedFile::Result::Outcome::Failed, writer.errorString()};
-    return PlacedFile::write(path, bytes.data(), PlacedFile::Existing::Keep);
+    return PlacedFile::write(path, bytes.data(), {.existing = PlacedFile::Existing::Keep});
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "Classes/GraphViewController/PictureWork.h"
 
 #include "Platform/Core/FreeMemory.h"
-#include "Platform/Core/PropertyList.h"
+#include "Platform/Core/PlacedFile.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
@@ -126,6 +126,6 @@ std::optional<QString> PictureWork::write(const RecordedPicture& picture, const 
         return *failure;
     if (stop.stop_requested())
         return failureText("It was cancelled.");
-    const auto failed = PropertyList::writeAtomically(path, std::get<QByteArray>(bytes));
-    return failed ? std::optional(failed->reason) : std::nullopt;
+    const PlacedFile::Result result = PlacedFile::write(path, std::get<QByteArray>(bytes));
+    return result.isWritten() ? std::nullopt : std::optional(result.reason);
 }

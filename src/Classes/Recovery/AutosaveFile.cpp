@@ -2,7 +2,7 @@
 #include "Classes/Recovery/AutosaveFile.h"
 
 #include "Classes/Recovery/AutosaveFolder.h"
-#include "Platform/Core/PropertyList.h"
+#include "Platform/Core/PlacedFile.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -30,16 +30,17 @@ std::optional<QString> AutosaveFile::write(const QByteArray& bytes) {
     if (auto reason = AutosaveFolder::make(QFileInfo(m_path).path()))
         return reason;
     FileDescriptor lock;
-    const auto takeLock = [&](int descriptor) -> std::optional<PropertyList::FileError> {
+    const auto takeLock = [&](int descriptor) -> std::optional<QString> {
         lock = FileDescriptor(::fcntl(descriptor, F_DUPFD_CLOEXEC, 0)); // shares the lock of the original
         if (!lock.isOpen())
-            return PropertyList::FileError{qt_error_string()};
+            return qt_error_string();
         // Where the file system has no locks, the process named within tells whether it is in use.
         ::flock(lock.get(), LOCK_EX | LOCK_NB);
         return std::nullopt;
     };
-    if (const auto failure = PropertyList::writeAtomically(m_path, bytes, takeLock, fileMode))
-        return failure->reason;
+    const auto result = PlacedFile::write(m_path, bytes, {.mode = fileMode, .lastWord = takeLock});
+    if (!result.isWritten())
+        return result.reason;
     m_lock = std::move(lock);
     return std::nullopt;
 }

@@ -2,6 +2,7 @@
 #include "Classes/Recovery/AutosaveFolder.h"
 
 #include "Platform/Core/Log.h"
+#include "Platform/Core/PlacedFile.h"
 #include "Platform/Core/PropertyList.h"
 
 #include <QDateTime>
@@ -105,7 +106,7 @@ std::optional<LeftAutosave> take(const QString& path) {
 /// A program that was killed while it wrote leaves its temporary file.
 void removeInterruptedWrites(const QDir& folder) {
     const QDateTime bound = QDateTime::currentDateTime().addSecs(-interruptedAfterSeconds);
-    const QString pattern = QLatin1String(PropertyList::temporaryPrefix) + u'*';
+    const QString pattern = QLatin1String(PlacedFile::temporaryPrefix) + u'*';
     for (const QFileInfo& file : folder.entryInfoList({pattern}, QDir::Files | QDir::Hidden | QDir::System)) {
         if (file.lastModified() < bound)
             QFile::remove(file.filePath());
