@@ -2,6 +2,7 @@
 #include "Classes/Axes/XAxisManager.h"
 #include "Classes/Axes/XEmptyAxis.h"
 
+#include "support/Numbers.h"
 #include "support/TestSupport.h"
 
 #include <QFile>
@@ -14,8 +15,8 @@
 
 namespace {
 
-const double nan = std::numeric_limits<double>::quiet_NaN();
-const double inf = std::numeric_limits<double>::infinity();
+using support::inf;
+using support::nan;
 
 struct Scale {
     double min;

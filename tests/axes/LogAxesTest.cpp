@@ -1,5 +1,6 @@
 // The logarithmic axes: their mapping, marks, texts and range edits.
 #include "Classes/Axes/XPseudoLogAxis.h"
+#include "support/Numbers.h"
 
 #include <gtest/gtest.h>
 
@@ -8,18 +9,18 @@
 
 namespace {
 
-const double nan = std::numeric_limits<double>::quiet_NaN();
-const double inf = std::numeric_limits<double>::infinity();
+using support::inf;
+using support::nan;
 
 enum Kind { Log, Pseudo };
 
-struct Scale {
+struct LogScale {
     double min;
     double max;
     int length;
 };
 
-std::unique_ptr<XLogAxis> make(Kind kind, Scale scale) {
+std::unique_ptr<XLogAxis> make(Kind kind, LogScale scale) {
     std::unique_ptr<XLogAxis> axis;
     if (kind == Log)
         axis = std::make_unique<XLogAxis>();
@@ -31,7 +32,7 @@ std::unique_ptr<XLogAxis> make(Kind kind, Scale scale) {
 }
 
 // Marks as text: "10^3 . ." is the mark of a decade with two minor ones; one without a label is "-".
-std::string marksText(const XAxisTicks& ticks) {
+std::string logMarksText(const XAxisTicks& ticks) {
     if (!ticks)
         return "none";
     std::string text;
@@ -59,7 +60,7 @@ TEST(LogTicks, standAtDecades) {
     struct Row {
         const char* name;
         Kind kind;
-        Scale scale;
+        LogScale scale;
         std::string marks;
     };
     const Row rows[] = {
@@ -98,7 +99,7 @@ TEST(LogTicks, standAtDecades) {
         {"an open range", Pseudo, {nan, 10, 300}, "none"},
     };
     for (const Row& row : rows)
-        EXPECT_EQ(marksText(make(row.kind, row.scale)->ticks()), row.marks) << row.name;
+        EXPECT_EQ(logMarksText(make(row.kind, row.scale)->ticks()), row.marks) << row.name;
 }
 
 TEST(LogTicks, haveNineEvenStepsADecade) {
@@ -116,7 +117,7 @@ TEST(LogTicks, haveNineEvenStepsADecade) {
 TEST(LogTicks, ofTheLinearBandFollowTheVisiblePart) {
     struct Row {
         const char* name;
-        Scale scale;
+        LogScale scale;
         double mark, next; // neighbouring major marks within the range
     };
     const Row rows[] = {
@@ -150,7 +151,7 @@ TEST(LogTicks, ofTheLinearBandFollowTheVisiblePart) {
 TEST(LogAxes, mapValuesBothWays) {
     struct Row {
         Kind kind;
-        Scale scale;
+        LogScale scale;
         double value, pixel;
     };
     const Row rows[] = {
@@ -165,7 +166,7 @@ TEST(LogAxes, mapValuesBothWays) {
             EXPECT_NEAR(axis->pixelToValue(static_cast<int>(row.pixel)), row.value, 1e-9);
         }
         EXPECT_EQ(axis->copy()->valueToPixel(row.value), axis->valueToPixel(row.value));
-        EXPECT_EQ(marksText(axis->copy()->ticks()), marksText(axis->ticks()));
+        EXPECT_EQ(logMarksText(axis->copy()->ticks()), logMarksText(axis->ticks()));
     }
     float pixels[4] = {};
     const double values[] = {100, 0, -5, 1};
@@ -188,7 +189,7 @@ TEST(LogAxes, takeAndEditRanges) {
     struct Row {
         const char* name;
         Kind kind;
-        Scale before;
+        LogScale before;
         void (*edit)(XAxis&);
         XValueRange after;
     };
@@ -253,7 +254,7 @@ TEST(LogAxes, readValues) {
     struct Row {
         const char* name;
         Kind kind;
-        Scale scale;
+        LogScale scale;
         double value;
         const char* text;
     };

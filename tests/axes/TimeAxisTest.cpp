@@ -50,7 +50,7 @@ std::unique_ptr<XTimeAxis> axisIn(const char* zone, double min, double max, int 
 }
 
 // "12:00/Mon Jan 05 2026 . 13:00": a label of two lines, a minor mark, a label.
-std::string marksText(const XAxisTicks& ticks, std::size_t longest = 10000) {
+std::string timeMarksText(const XAxisTicks& ticks, std::size_t longest = 10000) {
     if (!ticks)
         return "none";
     std::string text;
@@ -248,14 +248,14 @@ TEST(TimeTicks, followTheCalendar) {
     for (const Row& row : rows) {
         const double min = at(row.zone, row.from);
         const std::string expected(row.marks);
-        EXPECT_EQ(marksText(axisIn(row.zone, min, min + row.span, row.length)->ticks(), expected.size()),
+        EXPECT_EQ(timeMarksText(axisIn(row.zone, min, min + row.span, row.length)->ticks(), expected.size()),
                   expected)
             << row.name;
     }
     const auto days = axisIn("UTC", 0, 10 * day, 600);
     EXPECT_EQ(days->ticks()->front().tickTitleOffset, 43200); // in the middle of the day
     EXPECT_EQ(days->labelLines(), 2);
-    EXPECT_EQ(marksText(days->copy()->ticks()), marksText(days->ticks()));
+    EXPECT_EQ(timeMarksText(days->copy()->ticks()), timeMarksText(days->ticks()));
 }
 
 TEST(TimeTicks, haveStepsForEveryDuration) {

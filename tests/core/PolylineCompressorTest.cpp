@@ -12,7 +12,7 @@
 
 namespace {
 
-const float nan = std::numeric_limits<float>::quiet_NaN();
+const float gap = std::numeric_limits<float>::quiet_NaN();
 const float inf = std::numeric_limits<float>::infinity();
 
 struct Line {
@@ -37,7 +37,7 @@ Reduced reduce(const Line& line, std::size_t chunk = 4096, std::size_t stopAfter
     std::vector<float> x(chunk), y(chunk);
     const auto fetch = [&](const float*& px, const float*& py) {
         const std::size_t count = std::min(chunk, line.x.size() - at);
-        std::fill(x.begin(), x.end(), nan);
+        std::fill(x.begin(), x.end(), gap);
         std::copy_n(line.x.begin() + static_cast<std::ptrdiff_t>(at), count, x.begin());
         std::copy_n(line.y.begin() + static_cast<std::ptrdiff_t>(at), count, y.begin());
         px = x.data();
@@ -68,7 +68,7 @@ TEST(PolylineCompressor, KeepsTheFirstTheExtremesAndTheLastOfEachGroup) {
     };
     const Row rows[] = {
         {"no points", {}, ""},
-        {"nothing but NaN", {{nan, 1}, {1, nan}, {inf, 1}}, ""},
+        {"nothing but NaN", {{gap, 1}, {1, gap}, {inf, 1}}, ""},
         {"one point draws no line", {{1, 1}}, ""},
         {"two pixels", {{1, 1}, {5, 5}}, "M 0\nL 1\n"},
         {"a column collapses",
@@ -77,19 +77,19 @@ TEST(PolylineCompressor, KeepsTheFirstTheExtremesAndTheLastOfEachGroup) {
         {"ties keep the earlier point",
          {{1, 5}, {1, 9}, {1, 9}, {1, 2}, {1, 2}, {1, 5}, {3, 30}, {9, 40}},
          "M 0 1 3 5\nL 6\nL 7\n"},
-        {"a gap breaks the line", {{1, 1}, {9, 9}, {nan, 0}, {20, 20}, {29, 29}}, "M 0\nL 1\nM 3\nL 4\n"},
-        {"a gap along one row of pixels", {{1, 1}, {5, 1}, {nan, 0}, {9, 1}, {20, 1}}, "M 0 1\nM 3\nL 4\n"},
+        {"a gap breaks the line", {{1, 1}, {9, 9}, {gap, 0}, {20, 20}, {29, 29}}, "M 0\nL 1\nM 3\nL 4\n"},
+        {"a gap along one row of pixels", {{1, 1}, {5, 1}, {gap, 0}, {9, 1}, {20, 1}}, "M 0 1\nM 3\nL 4\n"},
         {"a gap within one pixel is ignored",
-         {{1, 1}, {1.5F, 1.5F}, {nan, 0}, {1.2F, 1.2F}, {9, 9}},
+         {{1, 1}, {1.5F, 1.5F}, {gap, 0}, {1.2F, 1.2F}, {9, 9}},
          "M 0 1 3\nL 4\n"},
         {"kept: a lone point between two gaps is dropped",
-         {{1, 1}, {9, 9}, {nan, 0}, {20, 20}, {nan, 0}, {30, 30}, {39, 39}},
+         {{1, 1}, {9, 9}, {gap, 0}, {20, 20}, {gap, 0}, {30, 30}, {39, 39}},
          "M 0\nL 1\nM 5\nL 6\n"},
         {"beyond one edge", {{-5, 1}, {-9, 9}, {-1, 20}, {10, 20}, {20, 30}}, "M 2 3\nL 4\n"},
         {"from outside to outside, across",
          {{-5, 10}, {105, 20}, {105, 30}, {50, 30}},
          "M 0\nL 1\nM 2\nL 3\n"},
-        {"the last point is not finite", {{1, 1}, {9, 9}, {20, 20}, {nan, 1}}, "M 0\nL 1\nL 2\n"},
+        {"the last point is not finite", {{1, 1}, {9, 9}, {20, 20}, {gap, 1}}, "M 0\nL 1\nL 2\n"},
         {"far beyond every integer", {{-3e38F, 3e38F}, {3e38F, -3e38F}}, "M 0\nL 1\n"},
     };
     for (const Row& row : rows) {
@@ -109,7 +109,7 @@ Line wildLine(std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         y = 25 + 40 * std::sin(static_cast<float>(i) / 100) + 4 * uniform(random);
         const float x = 120 * static_cast<float>(i) / static_cast<float>(count) - 10;
-        line.add(uniform(random) < 0.01F ? nan : x, uniform(random) < 0.01F ? inf : y);
+        line.add(uniform(random) < 0.01F ? gap : x, uniform(random) < 0.01F ? inf : y);
     }
     return line;
 }

@@ -1,5 +1,6 @@
 // The table: growth, NaN in every slot that was not written, ranges, compaction, refusal before allocation.
 #include "EmbeddedPlugins/Common/XPTableData.h"
+#include "support/Numbers.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +12,7 @@
 
 namespace {
 
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+using support::nan;
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
 /// NaN equals NaN.

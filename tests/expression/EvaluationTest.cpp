@@ -3,6 +3,7 @@
 
 #include "Classes/ExpressionEvaluator/ExpressionText.h"
 #include "Classes/ExpressionEvaluator/RowEvaluator.h"
+#include "support/Numbers.h"
 #include "support/TestSupport.h"
 
 #include <gmock/gmock.h>
@@ -14,31 +15,31 @@
 
 namespace {
 
-constexpr double nan_ = std::numeric_limits<double>::quiet_NaN();
+using support::nan;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
 TEST(Evaluation, Values) {
-    const auto table = tableOf({{1, 2.5, nan_}, {10, 20, 30}}, {"t", "speed"});
+    const auto table = tableOf({{1, 2.5, nan}, {10, 20, 30}}, {"t", "speed"});
     const struct {
         const char* expression;
         Values expected;
     } rows[] = {
         {"\"Speed\" * 2", {20, 40, 60}},
-        {"c1", {1, 2.5, nan_}},
+        {"c1", {1, 2.5, nan}},
         {" c2 ", {10, 20, 30}},
         {"row", {0, 1, 2}},
         {"row/2", {0, 0.5, 1}},
-        {"c1+c2*row", {1, 22.5, nan_}},
-        {"nan", {nan_, nan_, nan_}},
+        {"c1+c2*row", {1, 22.5, nan}},
+        {"nan", {nan, nan, nan}},
         {"1/0", {INFINITY, INFINITY, INFINITY}},
-        {"sqrt(-c2)", {nan_, nan_, nan_}},
+        {"sqrt(-c2)", {nan, nan, nan}},
         {"c2>15", {0, 1, 1}},
-        {"c2>15 ? c1 : -1", {-1, 2.5, nan_}},
+        {"c2>15 ? c1 : -1", {-1, 2.5, nan}},
         {"c1==2.5 ? 5 : 6", {6, 5, 6}},
         {"eye(100)[1,1]+ones(100,100)[1,2]", {2, 2, 2}},
         {"170! < 171! && 1e18! == 171!", {1, 1, 1}},
-        {"c1 # a comment", {1, 2.5, nan_}},
+        {"c1 # a comment", {1, 2.5, nan}},
     };
     for (const auto& row : rows)
         EXPECT_THAT(valuesOf(evaluated(QString::fromLatin1(row.expression), table)),
@@ -112,9 +113,9 @@ TEST(Evaluation, OnlyTheFirstErrorDecides) {
     const auto table = tableOf({{0, 1, 2.5, 3}});
     // 1<<70 overflows, a fault of that row alone; 2.5 & 1 is an error of types, which ends the evaluation.
     EXPECT_THAT(valuesOf(evaluated(u"row==1 ? 1<<70 : c1"_qs, table)),
-                testing::Pointwise(testing::NanSensitiveDoubleEq(), Values{0, nan_, 2.5, 3}));
+                testing::Pointwise(testing::NanSensitiveDoubleEq(), Values{0, nan, 2.5, 3}));
     EXPECT_THAT(valuesOf(evaluated(u"row==1 ? 1<<70 : c1 & 1"_qs, table)),
-                testing::Pointwise(testing::NanSensitiveDoubleEq(), Values{0, nan_, nan_, 1}));
+                testing::Pointwise(testing::NanSensitiveDoubleEq(), Values{0, nan, nan, 1}));
     const auto ended = evaluated(u"row==3 ? 1<<70 : c1 & 1"_qs, table);
     EXPECT_TRUE(ended.results.empty());
     EXPECT_EQ(ended.failures.size(), 1U);
@@ -144,9 +145,8 @@ TEST(Evaluation, ColumnVariablesEndAt9999) {
 
 TEST(Evaluation, RowsSharedBetweenThreadsGiveTheSameBits) {
     const std::size_t rows = 123'457;
-    const auto table =
-        tableOf({many(rows, [](double row) { return row * 0.001 - 7; }),
-                 many(rows, [](double row) { return row == 60'000 ? nan_ : std::sqrt(row); })});
+    const auto table = tableOf({many(rows, [](double row) { return row * 0.001 - 7; }),
+                                many(rows, [](double row) { return row == 60'000 ? nan : std::sqrt(row); })});
     for (const char* expression : {"sin(c1)+c2*0.5", "c1>0 ? row : c2/c1", "year(c1*1e6)",
                                    "mean(c2,9)-delta(c1)" /* not to be shared */}) {
         const auto prepared = expressionText::prepare(QString::fromLatin1(expression), 2);

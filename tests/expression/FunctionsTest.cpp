@@ -3,6 +3,7 @@
 
 #include "Core/CalendarFields.h"
 #include "Core/SignalFilters.h"
+#include "support/Numbers.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,8 +17,8 @@
 
 namespace {
 
-constexpr double nan_ = std::numeric_limits<double>::quiet_NaN();
-constexpr double inf = std::numeric_limits<double>::infinity();
+using support::inf;
+using support::nan;
 
 auto same(const Values& expected) {
     return testing::Pointwise(testing::NanSensitiveDoubleEq(), expected);
@@ -54,33 +55,33 @@ void check(const std::vector<Row>& rows) {
 
 TEST(SignalFunctions, OverAFewRows) {
     check({
-        {"a gap takes a place", "mean(c1,3)", {1, 2, nan_, 4, 5}, {1, 1.5, 1.5, 3, 4.5}},
-        {"only gaps", "mean(c1,2)", {nan_, inf, 3, nan_, -inf}, {nan_, nan_, 3, 3, nan_}},
+        {"a gap takes a place", "mean(c1,3)", {1, 2, nan, 4, 5}, {1, 1.5, 1.5, 3, 4.5}},
+        {"only gaps", "mean(c1,2)", {nan, inf, 3, nan, -inf}, {nan, nan, 3, 3, nan}},
         {"the first size holds", "mean(c1,2+row)", {2, 4, 6, 8}, {2, 3, 5, 7}},
         {"the greatest size", "mean(c1,100000)", {1, 3}, {1, 2}},
         {"each occurrence has its own state", "mean(c1,1)-mean(c1,3)", {1, 2, 6}, {0, 0.5, 3}},
-        {"twice the same call", "delta(c1)+delta(c1)", {1, 4, 9}, {nan_, 6, 10}},
-        {"nested", "delta(integrate(c1))", {1, 2, 3}, {nan_, 2, 3}},
-        {"a gap does not break the chain", "delta(c1)", {1, nan_, 4, inf, 6}, {nan_, nan_, 3, nan_, 2}},
-        {"starts late", "delta(c1)", {nan_, nan_, 4, 5}, {nan_, nan_, nan_, 1}},
-        {"gaps repeat the sum", "integrate(c1)", {nan_, 1, nan_, 2, inf}, {0, 1, 1, 3, 3}},
+        {"twice the same call", "delta(c1)+delta(c1)", {1, 4, 9}, {nan, 6, 10}},
+        {"nested", "delta(integrate(c1))", {1, 2, 3}, {nan, 2, 3}},
+        {"a gap does not break the chain", "delta(c1)", {1, nan, 4, inf, 6}, {nan, nan, 3, nan, 2}},
+        {"starts late", "delta(c1)", {nan, nan, 4, 5}, {nan, nan, nan, 1}},
+        {"gaps repeat the sum", "integrate(c1)", {nan, 1, nan, 2, inf}, {0, 1, 1, 3, 3}},
         {"smoothing", "lowpass(c1,0.5)", {2, 4, 4}, {2, 3, 3.5}},
-        {"a gap repeats the output", "lowpass(c1,0.5)", {nan_, 2, nan_, 4}, {nan_, 2, 2, 3}},
-        {"weights out of range", "lowpass(c1,1)", {2, 4, 4}, {nan_, nan_, nan_}},
-        {"a bad weight leaves the state", "lowpass(c1, row==1 ? -1 : 0.5)", {2, 100, 4}, {2, nan_, 3}},
+        {"a gap repeats the output", "lowpass(c1,0.5)", {nan, 2, nan, 4}, {nan, 2, 2, 3}},
+        {"weights out of range", "lowpass(c1,1)", {2, 4, 4}, {nan, nan, nan}},
+        {"a bad weight leaves the state", "lowpass(c1, row==1 ? -1 : 0.5)", {2, 100, 4}, {2, nan, 3}},
         {"differences decay", "highpass(c1,0.5)", {2, 4, 4}, {0, 1, 0.5}},
-        {"a gap repeats the output", "highpass(c1,0.5)", {nan_, 2, 4, nan_, 6}, {0, 0, 1, 1, 1.5}},
-        {"weight not a number", "highpass(c1,nan)", {2, 4}, {nan_, nan_}},
-        {"the newest value meets b1", "fir(c1,1,0,0)", {1, 2, 3, 4, 5}, {nan_, nan_, nan_, 4, 5}},
-        {"kept: b2 meets the oldest value", "fir(c1,0,1,0)", {1, 2, 3, 4, 5}, {nan_, nan_, nan_, 2, 3}},
+        {"a gap repeats the output", "highpass(c1,0.5)", {nan, 2, 4, nan, 6}, {0, 0, 1, 1, 1.5}},
+        {"weight not a number", "highpass(c1,nan)", {2, 4}, {nan, nan}},
+        {"the newest value meets b1", "fir(c1,1,0,0)", {1, 2, 3, 4, 5}, {nan, nan, nan, 4, 5}},
+        {"kept: b2 meets the oldest value", "fir(c1,0,1,0)", {1, 2, 3, 4, 5}, {nan, nan, nan, 2, 3}},
         {"older gaps add nothing, a new one is one",
          "fir(c1,1,1,1)",
-         {1, nan_, 3, 4, nan_, 6},
-         {nan_, nan_, nan_, 7, nan_, 10}},
-        {"coefficients of each row", "fir(c1,row)", {5, 6, 7}, {nan_, 6, 14}},
-        {"kept: without coefficients", "fir(c1)+1", {1, 2}, {nan_, nan_}},
-        {"sign of the first", "mod(c1,3)", {-7, 7, nan_, inf}, {-1, 1, nan_, nan_}},
-        {"divisor 0", "mod(c1,0)", {1}, {nan_}},
+         {1, nan, 3, 4, nan, 6},
+         {nan, nan, nan, 7, nan, 10}},
+        {"coefficients of each row", "fir(c1,row)", {5, 6, 7}, {nan, 6, 14}},
+        {"kept: without coefficients", "fir(c1)+1", {1, 2}, {nan, nan}},
+        {"sign of the first", "mod(c1,3)", {-7, 7, nan, inf}, {-1, 1, nan, nan}},
+        {"divisor 0", "mod(c1,0)", {1}, {nan}},
     });
 }
 
@@ -89,20 +90,20 @@ TEST(SignalFunctions, Percentiles) {
         {"median", "percentile(c1,50,4)", {5, 1, 3, 2}, {5, 3, 3, 2.5}},
         {"greatest of the last finite ones",
          "percentile(c1,100,3)",
-         {5, nan_, 1, 3, inf, 2},
+         {5, nan, 1, 3, inf, 2},
          {5, 5, 5, 5, 5, 3}},
         {"interpolated", "percentile(c1,25,5)", {1, 2, 3, 4, 5}, {1, 1.25, 1.5, 1.75, 2}},
         {"p is truncated", "percentile(c1,50.9,3)", {1, 2, 9}, {1, 1.5, 2}},
         {"the window shrinks", "percentile(c1,100,row<2?3:1)", {9, 5, 1}, {9, 9, 1}},
-        {"kept: size 0 empties the window", "percentile(c1,50,row==1?0:3)", {1, 2, 3}, {1, nan_, 3}},
-        {"size 0 without a finite value", "percentile(c1,50,row==1?0.5:3)", {1, nan_, 3}, {1, 1, 2}},
+        {"kept: size 0 empties the window", "percentile(c1,50,row==1?0:3)", {1, 2, 3}, {1, nan, 3}},
+        {"size 0 without a finite value", "percentile(c1,50,row==1?0.5:3)", {1, nan, 3}, {1, 1, 2}},
         {"kept: a negative size keeps all", "percentile(c1,0,-1)", {1, 2, 3, 4}, {1, 1, 1, 1}},
         {"size not a number keeps all", "percentile(c1,0,nan)", {1, 2, 3}, {1, 1, 1}},
         {"huge sizes", "percentile(c1,50,1e300)+percentile(c1,50,1/0)", {1, 3}, {2, 4}},
         {"below 0", "percentile(c1,-50,3)", {5, 1, 3, 2}, {5, 1, 1, 1}},
         {"above 100", "percentile(c1,1e300,3)", {5, 1, 3, 2}, {5, 5, 5, 3}},
         {"just above 100", "percentile(c1,101,3)+percentile(c1,-1,3)", {5, 1, 3, 2}, {10, 6, 6, 4}},
-        {"p not a number", "percentile(c1,nan,3)", {1, 2}, {nan_, nan_}},
+        {"p not a number", "percentile(c1,nan,3)", {1, 2}, {nan, nan}},
     });
 }
 
@@ -133,7 +134,7 @@ TEST(SignalFunctions, PercentilesOfLongWindowsAgreeWithASortedList) {
         const auto middle =
             std::next(plain.sorted.begin(), static_cast<std::ptrdiff_t>((plain.sorted.size() - 1) / 2));
         ASSERT_EQ(median, plain.sorted.size() % 2 == 1 ? *middle : (*middle + *std::next(middle)) / 2) << i;
-        ASSERT_EQ(filter.push(nan_, 100, 3), plain.sorted.back()) << i;
+        ASSERT_EQ(filter.push(nan, 100, 3), plain.sorted.back()) << i;
     }
 }
 
@@ -148,12 +149,12 @@ TEST(TimeFunctions, InUniversalTime) {
         {"the fraction stays", "second(c1)", {59.75, -0.5, -1, 61}, {59.75, -0.5, 59, 1}},
         {"Sunday is 7", "dayofweek(c1)", {259200, 259199}, {7, 6}},
         {"day of the year", "dayofyear(c1)", {0, 978220800}, {1, 366}},
-        {"not a time", "year(c1)", {nan_, inf, -inf, 1e18, -1e300}, {nan_, nan_, nan_, nan_, nan_}},
+        {"not a time", "year(c1)", {nan, inf, -inf, 1e18, -1e300}, {nan, nan, nan, nan, nan}},
         {"before year 1", "year(c1)", {-62198755200}, {-1}},
         {"from fields", "mktimestamp(2000,1,1,0,0,c1)", {0.5, -1}, {946684800.5, 946684799}},
         {"fields are normalised", "mktimestamp(1999,13,c1,24,60,0)", {1, 0}, {946774800, 946688400}},
-        {"gaps stay gaps", "mktimestamp(c1,1,1,0,0,0)", {nan_, 1970, nan_}, {nan_, 0, nan_}},
-        {"beyond the calendar", "mktimestamp(c1,1,1,0,0,0)", {1e18, -2147483648.0}, {nan_, nan_}},
+        {"gaps stay gaps", "mktimestamp(c1,1,1,0,0,0)", {nan, 1970, nan}, {nan, 0, nan}},
+        {"beyond the calendar", "mktimestamp(c1,1,1,0,0,0)", {1e18, -2147483648.0}, {nan, nan}},
         {"there and back",
          "mktimestamp(year(c1),month(c1),dayofmonth(c1),hour(c1),minute(c1),second(c1))-c1",
          {0, 1e9, 1700000000.25, -1e9},

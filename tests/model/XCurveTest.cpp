@@ -5,6 +5,7 @@
 #include "Classes/ExpressionEvaluator/XExpressionEvaluator.h"
 #include "Classes/PlotView/XPointsLibrary.h"
 #include "Core/Assertions.h"
+#include "support/Numbers.h"
 #include "support/TableSource.h"
 #include "support/TestSupport.h"
 
@@ -18,7 +19,7 @@ using support::makeTable;
 
 namespace {
 
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+using support::nan;
 
 XCurveHandle loaded(const QVariantMap& saved) {
     XCurveHandle curve = XCurve::make();

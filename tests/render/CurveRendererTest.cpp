@@ -5,6 +5,7 @@
 #include "Classes/PlotView/PointSprites.h"
 #include "Classes/PlotView/XPointsLibrary.h"
 #include "core/StrokeReference.h"
+#include "support/Numbers.h"
 #include "support/TableSource.h"
 
 #include <QPainter>
@@ -19,8 +20,8 @@
 
 namespace {
 
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr double inf = std::numeric_limits<double>::infinity();
+using support::inf;
+using support::nan;
 constexpr int width = 120;
 constexpr int height = 80;
 

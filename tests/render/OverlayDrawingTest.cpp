@@ -8,6 +8,7 @@
 #include "Classes/PlotView/PlotScene.h"
 #include "Classes/PlotView/RulerDrawing.h"
 #include "Classes/PlotView/SelectionDrawing.h"
+#include "render/SmallPlot.h"
 #include "support/RecordingCanvas.h"
 
 #include <QImage>
@@ -27,7 +28,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 // A plot rectangle of 300 x 200 points at 36,29.
-const PlotLayout layout{{336, 229}, 0, 0, 29, 36, 300, 200, 229, 336};
+using support::smallPlot;
 
 std::shared_ptr<XAxis> axisOf(const char* kind, double min, double max, int length) {
     std::shared_ptr<XAxis> axis = XAxisManager::sharedManager().createAxisWithTypeId(QLatin1String(kind));
@@ -45,7 +46,7 @@ class OverlayDrawingTest : public testing::Test {
     std::vector<std::string> tick(const AxisInView& view, double mouse) {
         RecordingCanvas canvas;
         const bool isX = view.direction == Qt::Horizontal;
-        PlotDrawing::drawMouseTick(canvas, view, isX ? layout.bottomStrip() : layout.leftStrip(), mouse,
+        PlotDrawing::drawMouseTick(canvas, view, isX ? smallPlot.bottomStrip() : smallPlot.leftStrip(), mouse,
                                    styles, FixedMeasure());
         return canvas.lines;
     }
@@ -57,13 +58,13 @@ class OverlayDrawingTest : public testing::Test {
     }
     std::vector<std::string> ruler(QPointF from, QPointF to, const char* containing = "") {
         RecordingCanvas canvas;
-        PlotDrawing::drawRuler(canvas, layout, *x, *y, {from, to}, styles, FixedMeasure());
+        PlotDrawing::drawRuler(canvas, smallPlot, *x, *y, {from, to}, styles, FixedMeasure());
         return canvas.linesWith(containing);
     }
 };
 
 TEST_F(OverlayDrawingTest, theMousesMarkFadesOutIntoTheLabelsBesideIt) {
-    const AxisInView viewX = AxisInView::x(*x, layout), viewY = AxisInView::y(*y, layout);
+    const AxisInView viewX = AxisInView::x(*x, smallPlot), viewY = AxisInView::y(*y, smallPlot);
     EXPECT_THAT(tick(viewX, 136.4),
                 ElementsAre("save", "clip 36,0 300x34", "fill 125,10 21x14 #ffffff",
                             "gradient at 180 75,10 50x14", "gradient at 0 146,10 50x14",
@@ -88,13 +89,13 @@ TEST_F(OverlayDrawingTest, theMousesMarkFadesOutIntoTheLabelsBesideIt) {
                         {"above the plot", viewY, 230, ""}};
     for (const Row& row : rows)
         EXPECT_EQ(tickText(row.view, row.mouse), row.text) << row.name;
-    EXPECT_EQ(tickText(AxisInView::x(*axisOf("zen", 0, 300, 300), layout), 100), "") << "no marks";
+    EXPECT_EQ(tickText(AxisInView::x(*axisOf("zen", 0, 300, 300), smallPlot), 100), "") << "no marks";
 }
 
 TEST_F(OverlayDrawingTest, theSelectionIsADashedRectangleWithinThePlot) {
     const auto draw = [this](QPointF from, QPointF to) {
         RecordingCanvas canvas;
-        PlotDrawing::drawSelection(canvas, layout, *x, *y, {from, to}, styles);
+        PlotDrawing::drawSelection(canvas, smallPlot, *x, *y, {from, to}, styles);
         return canvas.lines;
     };
     const std::vector<std::string> rectangle = {"save",
@@ -134,7 +135,7 @@ TEST_F(OverlayDrawingTest, theRulerShowsWhatItMeasures) {
     PlotStyles black;
     black.update(PlotStyles::blackBackgroundStyles());
     RecordingCanvas canvas;
-    PlotDrawing::drawRuler(canvas, layout, *x, *y, {{100, 50}, {200, 50}}, black, FixedMeasure());
+    PlotDrawing::drawRuler(canvas, smallPlot, *x, *y, {{100, 50}, {200, 50}}, black, FixedMeasure());
     EXPECT_EQ(canvas.linesWith("#ffffff").size(), 5U + 2U + 3U) << "white lines, and cards that stay white";
     EXPECT_EQ(canvas.linesWith("text").size(), canvas.linesWith("#000000").size()) << "with black text";
 }
@@ -189,9 +190,9 @@ TEST_F(OverlayDrawingTest, theLabelsOfTheRulerStayWithinThePlot) {
     for (const QPointF& from : ends)
         for (const QPointF& to : ends) {
             CardCanvas canvas;
-            PlotDrawing::drawRuler(canvas, layout, *x, *y, {from, to}, styles, FixedMeasure());
+            PlotDrawing::drawRuler(canvas, smallPlot, *x, *y, {from, to}, styles, FixedMeasure());
             for (const QRectF& card : canvas.cards)
-                EXPECT_TRUE(layout.plotRect().adjusted(-0.01, -0.01, 0.01, 0.01).contains(card))
+                EXPECT_TRUE(smallPlot.plotRect().adjusted(-0.01, -0.01, 0.01, 0.01).contains(card))
                     << from.x() << ',' << from.y() << " to " << to.x() << ',' << to.y();
         }
 }

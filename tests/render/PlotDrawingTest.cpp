@@ -3,6 +3,7 @@
 #include "Classes/Axes/XAxis.h"
 #include "Classes/PlotView/PainterCanvas.h"
 #include "Classes/PlotView/PlotStyles.h"
+#include "render/SmallPlot.h"
 #include "support/RecordingCanvas.h"
 
 #include <QImage>
@@ -18,7 +19,7 @@ using support::RecordingCanvas;
 using testing::ElementsAre;
 
 // A plot rectangle at 36,29 of 300 x 200 points.
-const PlotLayout layout{{336, 229}, 0, 0, 29, 36, 300, 200, 229, 336};
+using support::smallPlot;
 const PlotStyles styles;
 
 // An axis with the marks and bands that a test gives it.
@@ -38,10 +39,10 @@ class GivenAxis : public XAxis {
 TEST(PlotDrawing, gridLinesStandAtTheMarksWithinThePlot) {
     const GivenAxis axis(0, 10, 300); // marks at 0, 5, 10, 15 and each unit between
     RecordingCanvas x, y;
-    PlotDrawing::drawGridLines(x, AxisInView::x(axis, layout), 0, styles);
+    PlotDrawing::drawGridLines(x, AxisInView::x(axis, smallPlot), 0, styles);
     EXPECT_THAT(x.lines, ElementsAre("vertical 186,29 long 200 #b3b3b3")); // not on the frame's own edges
     const GivenAxis low(1, 11, 200);
-    PlotDrawing::drawGridLines(y, AxisInView::y(low, layout), 1, styles);
+    PlotDrawing::drawGridLines(y, AxisInView::y(low, smallPlot), 1, styles);
     EXPECT_EQ(y.lines.size(), 7U); // 2 to 4 and 6 to 9: those of 1 and 11 lie on the frame
     EXPECT_EQ(y.lines.front(), "horizontal 36,49 long 300 #e6e6e6");
 }
@@ -79,7 +80,7 @@ TEST(PlotDrawing, originsAreDrawnWhereZeroIsInThePlot) {
     for (const Row& row : rows) {
         const GivenAxis x(row.x.minimum, row.x.maximum, 300), y(row.y.minimum, row.y.maximum, 200);
         RecordingCanvas canvas;
-        PlotDrawing::drawOrigins(canvas, layout, x, y, row.showX, row.showY, styles);
+        PlotDrawing::drawOrigins(canvas, smallPlot, x, y, row.showX, row.showY, styles);
         EXPECT_EQ(canvas.lines, row.lines) << row.name;
     }
 }
@@ -101,7 +102,7 @@ TEST(PlotDrawing, labelsStandBelowAndLeftOfThePlotWithBandsInTheirColour) {
                                      {20, 50, QStringLiteral("TickColor_weekend")},
                                      {55, 300, QStringLiteral("TickColor_weekend")}});
     RecordingCanvas x;
-    PlotDrawing::drawAxis(x, AxisInView::x(axis, layout), styles, FixedMeasure());
+    PlotDrawing::drawAxis(x, AxisInView::x(axis, smallPlot), styles, FixedMeasure());
     EXPECT_THAT(x.lines, ElementsAre("text '0' 33,10 7x14 #000000", "text 'in' 120,10 14x14 #b30000",
                                      "text 'end' 176,10 21x14 #000000", "text '10^3' 206,10 21x14 #000000",
                                      "text 'aside' 259,10 35x14 #b30000", "horizontal 96,29 long 90 #b30000",
@@ -109,7 +110,7 @@ TEST(PlotDrawing, labelsStandBelowAndLeftOfThePlotWithBandsInTheirColour) {
 
     GivenAxis up(0, 10, 200);
     RecordingCanvas y;
-    PlotDrawing::drawAxis(y, AxisInView::y(up, layout), styles, FixedMeasure());
+    PlotDrawing::drawAxis(y, AxisInView::y(up, smallPlot), styles, FixedMeasure());
     // Right-aligned, 5 beside the plot; the last lies on the upper edge and is left out.
     EXPECT_THAT(y.lines, ElementsAre("text '0' 23.5,23 7x14 #000000", "text '5' 23.5,123 7x14 #000000"));
 }
@@ -121,7 +122,7 @@ TEST(PlotDrawing, aSecondLineGivesWayToTheOneBeforeIt) {
                                {150, QStringLiteral("00:00\nSun Jun 02"), {}, 0, 0},
                                {200, QStringLiteral("00:00\nMon Jun 03"), {}, 0, 0}});
     RecordingCanvas x;
-    PlotDrawing::drawAxis(x, AxisInView::x(axis, layout), styles, FixedMeasure());
+    PlotDrawing::drawAxis(x, AxisInView::x(axis, smallPlot), styles, FixedMeasure());
     ASSERT_EQ(x.lines.size(), 3U);
     EXPECT_THAT(x.lines[0], testing::HasSubstr("Sat Jun 01"));
     EXPECT_THAT(x.lines[1], testing::StartsWith("text '00:00' "));
@@ -130,14 +131,14 @@ TEST(PlotDrawing, aSecondLineGivesWayToTheOneBeforeIt) {
 
 TEST(PlotDrawing, titlesAreCentredOnThePlotAndEmptyOnesLeftOut) {
     RecordingCanvas canvas;
-    PlotDrawing::drawAxisTitles(canvas, layout,
+    PlotDrawing::drawAxisTitles(canvas, smallPlot,
                                 {QStringLiteral("Plot"), QStringLiteral("time"), QStringLiteral("depth")},
                                 styles, FixedMeasure());
     EXPECT_THAT(canvas.lines,
                 ElementsAre("text 'Plot' 172,215 28x14 #555555", "text 'time' 172,3 28x14 #555555", "save",
                             "rotate 10,129 by 90", "text 'depth' -7.5,122 35x14 #555555", "restore"));
     RecordingCanvas none;
-    PlotDrawing::drawAxisTitles(none, layout, {std::nullopt, QString(), std::nullopt}, styles,
+    PlotDrawing::drawAxisTitles(none, smallPlot, {std::nullopt, QString(), std::nullopt}, styles,
                                 FixedMeasure());
     EXPECT_TRUE(none.lines.empty());
 }

@@ -4,6 +4,7 @@
 #include "Classes/Axes/XAxisManager.h"
 #include "Classes/Axes/XLogAxis.h"
 #include "Classes/PlotView/PlotLayout.h"
+#include "render/SmallPlot.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +17,7 @@ using Interaction = PlotInteraction;
 using WheelZooms = PlotInteraction::WheelZooms;
 
 // A plot rectangle of 300 x 200 pixels at 36,29.
-const PlotLayout layout{{336, 229}, 0, 0, 29, 36, 300, 200, 229, 336};
+using support::smallPlot;
 
 class PlotInteractionTest : public testing::Test {
   protected:
@@ -29,10 +30,10 @@ class PlotInteractionTest : public testing::Test {
             axis->setPixelLength(length);
             return axis;
         };
-        x = make(rangeX, layout.selfWidth);
-        y = make(rangeY, layout.selfHeight);
+        x = make(rangeX, smallPlot.selfWidth);
+        y = make(rangeY, smallPlot.selfHeight);
     }
-    PlotAxes axes() { return {*x, *y, layout}; }
+    PlotAxes axes() { return {*x, *y, smallPlot}; }
     // Pixels of the plot rectangle instead of the view.
     static QPointF at(double pixelX, double pixelY) { return {36 + pixelX, 29 + pixelY}; }
     Interaction::Effects drag(QPointF from, QPointF to) {
@@ -250,7 +251,7 @@ TEST_F(PlotInteractionTest, aRangeThatCannotBeEditedStaysAsItIs) {
     EXPECT_EQ(y->minValue(), 1e190);
     XLogAxis fresh;
     fresh.setPixelLength(300);
-    Interaction::zoomBy({fresh, *y, layout}, 2);
+    Interaction::zoomBy({fresh, *y, smallPlot}, 2);
     EXPECT_EQ(fresh.minValue(), 0) << "a range that cannot be set again";
 }
 

@@ -3,17 +3,17 @@
 #include "Classes/Axes/XEmptyAxis.h"
 #include "Classes/PlotView/FitToData.h"
 #include "Classes/PlotView/TitleLayout.h"
+#include "support/Numbers.h"
 #include "support/RecordingCanvas.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 namespace {
 
-const double nan = std::numeric_limits<double>::quiet_NaN();
-const double inf = std::numeric_limits<double>::infinity();
+using support::inf;
+using support::nan;
 
 class TwoLineAxis : public XAxis {
   public:

@@ -2,6 +2,7 @@
 #include "Core/TextToDouble.h"
 #include "EmbeddedPlugins/Common/PreviewTableView.h"
 #include "EmbeddedPlugins/TextFile/PreviewTableModel.h"
+#include "support/Numbers.h"
 #include "support/TableSource.h"
 #include "support/TestSupport.h"
 
@@ -19,7 +20,7 @@
 
 namespace {
 
-const double nan = std::nan("");
+using support::nan;
 
 QStringList names(int count) {
     QStringList list{QStringLiteral("Row number")};

@@ -1,6 +1,7 @@
 // What a look at a file and at its table tells, which notices follow, and that their remedies help.
 #include "EmbeddedPlugins/Common/SourceNotices.h"
 #include "EmbeddedPlugins/TextFile/XPTextFile.h"
+#include "support/Numbers.h"
 #include "support/TableSource.h"
 #include "support/TestSupport.h"
 
@@ -15,7 +16,7 @@ namespace {
 
 using namespace std::string_literals;
 
-const double nan = std::nan("");
+using support::nan;
 
 TEST(HeadSurvey, tellsEncodingLineEndsSplittersAndNames) {
     struct Row {

@@ -15,7 +15,7 @@
 
 namespace {
 
-class RecordingDelegate : public XDropHereDelegate {
+class DropRecorder : public XDropHereDelegate {
   public:
     void fileDroppedOnDropzone(const QString& path, XDropHereView&) override {
         got += QStringLiteral("file %1;").arg(path);
@@ -57,7 +57,7 @@ class DropPage : public testing::Test {
         QCoreApplication::sendEvent(page.dropzone(), &event);
     }
 
-    RecordingDelegate delegate;
+    DropRecorder delegate;
     XDropHereViewController page{&delegate};
 };
 

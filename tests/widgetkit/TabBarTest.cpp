@@ -18,7 +18,7 @@
 
 namespace {
 
-class RecordingDelegate : public QXTabBarDelegate {
+class TabRecorder : public QXTabBarDelegate {
   public:
     bool tabBarWillCloseTabWithIndex(QXTabBar& bar, int index) override {
         calls += QStringLiteral("will %1 of %2;").arg(index).arg(bar.tabs().size());
@@ -67,7 +67,7 @@ class TabBars : public testing::Test {
         return all;
     }
 
-    RecordingDelegate delegate;
+    TabRecorder delegate;
     QWidget window;
     QWidget client{&window};
     QXTabBar sources{&window};
