@@ -26,14 +26,20 @@ if(VELQUIN_SANITIZE)
 endif()
 
 # velquin_library(name SOURCES ... HEADERS ... USES ... PRIVATE_USES ...)
-# HEADERS are verified: each compiles alone against what the target may use, and nothing else.
+# Each of HEADERS compiles alone: its source includes it first of all, which the test "layers" checks, and one
+# without a source is compiled by itself against what the target may use.
 function(velquin_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;HEADERS;USES;PRIVATE_USES" ${ARGN})
   list(TRANSFORM ARG_SOURCES PREPEND ${CMAKE_SOURCE_DIR}/src/)
   list(TRANSFORM ARG_HEADERS PREPEND ${CMAKE_SOURCE_DIR}/src/)
+  set(alone ${ARG_HEADERS})
+  foreach(source IN LISTS ARG_SOURCES)
+    string(REGEX REPLACE "[.]cpp$" ".h" header ${source})
+    list(REMOVE_ITEM alone ${header})
+  endforeach()
   set(target velquin_${name})
   add_library(${target} STATIC ${ARG_SOURCES})
-  target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS ${CMAKE_SOURCE_DIR}/src FILES ${ARG_HEADERS})
+  target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS ${CMAKE_SOURCE_DIR}/src FILES ${alone})
   # moc looks at the headers of a target among its sources.
   target_sources(${target} PRIVATE ${ARG_HEADERS})
   set_target_properties(${target} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks, file by file, that each target includes only headers of the targets it may use."""
+"""Checks, file by file, that each target includes only headers of the targets it may use, and each source its own header first."""
 import pathlib
 import re
 import sys
@@ -65,11 +65,16 @@ def check(root):
         if target is None:
             faults.append(f"{name}: in the list of no target")
             continue
+        own = name.removesuffix(".cpp") + ".h"
+        isFirst = file.suffix == ".cpp" and own in owner
         for number, line in enumerate(file.read_text().splitlines(), 1):
             include = re.match(r'\s*#\s*include\s*(["<])([^">]+)[">]', line)
             if not include:
                 continue
             where, (bracket, header) = f"{name}:{number}", include.groups()
+            if isFirst and header != own:
+                faults.append(f"{where}: {own} comes first, so that it is known to compile alone")
+            isFirst = False
             if bracket == "<":
                 if target == "core" and re.match(r"Q[A-Z]|Qt|q[a-z]+\.h", header):
                     faults.append(f"{where}: core knows no {header}")
