@@ -8,8 +8,10 @@
 #include <atomic>
 #include <latch>
 #include <mutex>
+#include <pthread.h>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 
 namespace {
 
@@ -119,6 +121,51 @@ TEST(OperationQueue, anExceptionIsLoggedAndTheQueueGoesOn) {
     EXPECT_TRUE(next);
     EXPECT_EQ(log.lines(), (QStringList{QStringLiteral("-[Operation main] spilled"),
                                         QStringLiteral("-[Operation main] unknown exception")}));
+}
+
+/// For its lifetime the system starts no thread, for want of room for its stack.
+class NoMoreThreads {
+  public:
+    NoMoreThreads() {
+        pthread_getattr_default_np(&m_usual);
+        pthread_attr_t greedy = m_usual;
+        pthread_attr_setstacksize(&greedy, std::size_t{1} << 50U);
+        pthread_setattr_default_np(&greedy);
+    }
+    ~NoMoreThreads() {
+        pthread_setattr_default_np(&m_usual);
+        pthread_attr_destroy(&m_usual);
+    }
+    NoMoreThreads(const NoMoreThreads&) = delete;
+    NoMoreThreads& operator=(const NoMoreThreads&) = delete;
+
+  private:
+    pthread_attr_t m_usual{};
+};
+
+TEST(OperationQueue, makesDoWithTheThreadsThatTheSystemHas) {
+    OperationQueue queue(2);
+    std::atomic<int> ran = 0;
+    const auto add = [&] { queue.add(task([&](Task&) { ++ran; })); };
+    {
+        const NoMoreThreads none;
+        EXPECT_THROW(add(), std::system_error);
+        EXPECT_TRUE(queue.isIdle()) << "nothing waits for a thread that never comes";
+    }
+    std::latch isBusy(1);
+    std::latch mayEnd(1);
+    queue.add(task([&](Task&) {
+        isBusy.count_down();
+        mayEnd.wait();
+    }));
+    isBusy.wait();
+    {
+        const NoMoreThreads none;
+        add();
+    }
+    mayEnd.count_down();
+    MainThread::runUntil([&] { return queue.isIdle(); });
+    EXPECT_EQ(ran, 1);
 }
 
 TEST(OperationQueue, anOperationIsReleasedOnTheMainThread) {

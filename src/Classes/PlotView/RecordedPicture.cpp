@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <atomic>
 #include <new>
+#include <system_error>
 #include <thread>
 
 using namespace Qt::StringLiterals;
@@ -168,8 +169,12 @@ std::vector<QImage> RecordedPicture::renderAhead(const std::stop_token& stop) co
         }
     };
     std::vector<std::jthread> threads;
-    for (std::size_t i = 1; i < std::min(renderThreads, m_curves.size()); ++i)
-        threads.emplace_back(work);
+    try {
+        for (std::size_t i = 1; i < std::min(renderThreads, m_curves.size()); ++i)
+            threads.emplace_back(work);
+    } catch (const std::system_error&) {
+        // The threads that there are do the work.
+    }
     work();
     threads.clear(); // which joins them
     return rendered;

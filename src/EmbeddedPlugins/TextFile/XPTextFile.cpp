@@ -23,6 +23,7 @@
 #include <array>
 #include <cstring>
 #include <limits>
+#include <system_error>
 #include <utility>
 
 namespace {
@@ -346,7 +347,15 @@ void XPTextFile::setData(XTable table) {
     if (self != nullptr)
         announce("data", QVariant::fromValue(old), QVariant::fromValue(table));
     if (self != nullptr && old != nullptr && old->rowsNumber() * old->columnsNumber() > manyCells)
-        m_disposal.add(std::make_shared<TableRelease>(std::move(old)));
+        letGoOf(std::move(old));
+}
+
+void XPTextFile::letGoOf(XTable table) {
+    try {
+        m_disposal.add(std::make_shared<TableRelease>(std::move(table)));
+    } catch (const std::system_error&) {
+        // The system has no thread left: the table went here, with the operation that holds it.
+    }
 }
 
 QStringList XPTextFile::columnNames() const {

@@ -116,6 +116,7 @@ class XPTextFile : public XDataSourceProtocol {
     static void handOver(const QPointer<XPTextFile>& source, ReadResult result);
     void finishRead(const ReadResult& result);
     void closeReadData();
+    void letGoOf(XTable table);
     void endLoading(bool failed);
     void setIsLoading(bool loading);
     void requestRead();

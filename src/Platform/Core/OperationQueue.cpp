@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <system_error>
 #include <utility>
 
 namespace {
@@ -54,14 +55,22 @@ void OperationQueue::addUnderLock(
 }
 
 void OperationQueue::enqueue(std::shared_ptr<Operation> operation) {
+    const std::size_t idleThreads = m_liveThreads - m_busyThreads;
+    if (m_waiting.size() >= idleThreads && m_threads.size() < m_maxThreads)
+        startThread();
     m_waiting.push_back(operation);
     m_listed.push_back(std::move(operation));
-    const std::size_t idleThreads = m_liveThreads - m_busyThreads;
-    if (m_waiting.size() > idleThreads && m_threads.size() < m_maxThreads) {
+    m_changed.notify_one();
+}
+
+void OperationQueue::startThread() {
+    try {
         m_threads.emplace_back([this] { work(); });
         ++m_liveThreads;
+    } catch (const std::system_error&) {
+        if (m_threads.empty())
+            throw; // else the threads that there are do the work
     }
-    m_changed.notify_one();
 }
 
 void OperationQueue::cancelIf(const std::function<bool(Operation&)>& predicate) {

@@ -43,9 +43,10 @@ class OperationQueue {
     OperationQueue(const OperationQueue&) = delete;
     OperationQueue& operator=(const OperationQueue&) = delete;
 
+    /// Throws std::system_error, with nothing added, when the system has no thread for the first operation.
     void add(std::shared_ptr<Operation> operation);
     /// Adds what `decide` returns, which sees the listed operations under the queue's lock and may cancel
-    /// some of them; null adds nothing. `decide` must not call the queue.
+    /// some of them; null adds nothing. `decide` must not call the queue. Throws as `add` does.
     void addUnderLock(
         const std::function<std::shared_ptr<Operation>(std::span<const std::shared_ptr<Operation>>)>& decide);
     /// Cancels the listed operations, running or not, for which `predicate`, asked under the lock, holds.
@@ -58,6 +59,7 @@ class OperationQueue {
     using Operations = std::vector<std::shared_ptr<Operation>>;
 
     void enqueue(std::shared_ptr<Operation> operation); ///< under the lock
+    void startThread();
     void work();
 
     const std::size_t m_maxThreads;
