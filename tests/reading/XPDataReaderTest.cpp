@@ -173,9 +173,10 @@ TEST(XPDataReader, LogsWhatItCannotUse) {
 TEST(XPDataReader, GivesTheSameTableForEverySplitOfTheInput) {
     std::mt19937 random(3);
     const QByteArray alphabet = "0123456789012345678901234567890123456789....---,,,,,,,,,;;\t \"\r\n\n\n\nea";
-    for (int i = 0; i < 60; ++i) {
+    for (int i = 0, n = support::rounds(200); i < n; ++i) {
         QByteArray text;
-        for (auto length = random() % 20'000; length > 0; --length)
+        const unsigned longest = 1U << (1 + random() % 15); // up to eight of the reader's own chunks
+        for (auto length = random() % longest; length > 0; --length)
             text += alphabet[static_cast<qsizetype>(random() % static_cast<unsigned>(alphabet.size()))];
         Settings settings{static_cast<int>(random() % 6), static_cast<int>(random() % 3),
                           static_cast<int>(random() % 3), random() % 2 == 0};
@@ -251,6 +252,14 @@ TEST(XPDataReader, RefusesWhatItHasNoRoomForAndNamesTheLine) {
          QByteArray(200'000, ','),
          {1, 0, 1, false, 1'000'000},
          "line 1: the table would need 2 MB, more than the 1 MB it may take"},
+        {"more names than room",
+         QByteArray(20'000, ','),
+         {1, 0, 1, true, 1'000'000},
+         "line 1: the table would need 2 MB, more than the 1 MB it may take"},
+        {"columns beside long names",
+         QByteArray(200'000, 'x') + "\n" + QByteArray("1\n").repeated(40'000),
+         {1, 0, 1, true, 1'000'000},
+         "line 24986: the table would need 2 MB, more than the 1 MB it may take"},
         {"an unclosed quote",
          "1\n2,\"" + QByteArray(65 << 20, 'x'),
          {1},

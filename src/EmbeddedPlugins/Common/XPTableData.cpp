@@ -24,6 +24,12 @@ constexpr std::uint64_t leastRowsCounted = 32;
 /// Rows that are filled at a time: a page of each column, still in the cache when the values follow.
 constexpr std::uint64_t fillBlock = 512;
 
+/// The sum, or the greatest number when it is beyond.
+std::uint64_t saturatedSum(std::uint64_t a, std::uint64_t b) {
+    std::uint64_t sum = 0;
+    return __builtin_add_overflow(a, b, &sum) ? std::numeric_limits<std::uint64_t>::max() : sum;
+}
+
 /// The product, or the greatest number when it is beyond.
 std::uint64_t saturatedProduct(std::uint64_t a, std::uint64_t b) {
     std::uint64_t product = 0;
@@ -92,6 +98,15 @@ void XPTableData::setMemoryLimit(std::uint64_t bytes) {
     m_memoryLimit = bytes;
 }
 
+void XPTableData::addBytesBeside(std::uint64_t bytes) {
+    const std::uint64_t beside = saturatedSum(m_bytesBeside, bytes);
+    const std::uint64_t columnBytes =
+        saturatedProduct(saturatedProduct(m_columns.size(), m_rowsAllocated), sizeof(double));
+    if (const std::uint64_t all = saturatedSum(columnBytes, beside); all > m_memoryLimit)
+        throw TableTooLarge(m_columns.size(), rowsNumber(), all);
+    m_bytesBeside = beside;
+}
+
 void XPTableData::writeNullAtColRow(std::uint64_t col, std::uint64_t row) {
     writeValueAtColRow(missingValue, col, row);
 }
@@ -114,8 +129,9 @@ void XPTableData::checkRoomFor(std::uint64_t col, std::uint64_t row) const {
         throw TableTooLarge(col, row, unreachable);
     const std::uint64_t columns = std::max<std::uint64_t>(col + 1, m_columns.size());
     const std::uint64_t rows = std::max(row, m_rowsWritten) + 1;
-    const std::uint64_t bytes =
-        saturatedProduct(saturatedProduct(columns, std::max(rows, leastRowsCounted)), sizeof(double));
+    const std::uint64_t bytes = saturatedSum(
+        saturatedProduct(saturatedProduct(columns, std::max(rows, leastRowsCounted)), sizeof(double)),
+        m_bytesBeside);
     if (bytes > m_memoryLimit || bytes == unreachable)
         throw TableTooLarge(columns, rows, bytes);
 }
@@ -142,7 +158,7 @@ std::uint64_t XPTableData::capacityFor(std::uint64_t columns, std::uint64_t rows
         return capacity;
     capacity = m_rowsAllocated <= lastDoubledCapacity ? m_rowsAllocated * 2 : m_rowsAllocated + linearStep;
     // Close to the limit the capacity takes what is left, so that a table is refused by its rows alone.
-    capacity = std::min(capacity, m_memoryLimit / sizeof(double) / columns);
+    capacity = std::min(capacity, (m_memoryLimit - m_bytesBeside) / sizeof(double) / columns);
     return std::max(capacity, rows);
 }
 

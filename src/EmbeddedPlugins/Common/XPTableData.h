@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-/// Raised by a write that would grow the table beyond its memory limit, before anything is allocated.
+/// Raised by what would grow the table beyond its memory limit, before anything is allocated.
 struct TableTooLarge : std::runtime_error {
     TableTooLarge(std::uint64_t columns, std::uint64_t rows, std::uint64_t bytes);
     std::uint64_t neededBytes;
@@ -34,8 +34,10 @@ class XPTableData {
     XPTableData(const XPTableData&) = delete;
     XPTableData& operator=(const XPTableData&) = delete;
 
-    /// Bytes that the columns may take; growth beyond throws TableTooLarge. Unlimited at first.
+    /// Bytes that the table may take; growth beyond throws TableTooLarge. Unlimited at first.
     void setMemoryLimit(std::uint64_t bytes);
+    /// Counts bytes that are kept beside the columns, such as their names. Throws TableTooLarge.
+    void addBytesBeside(std::uint64_t bytes);
     /// Throws TableTooLarge if a value at that place would take the table beyond its limit.
     void checkRoomFor(std::uint64_t col, std::uint64_t row) const;
 
@@ -99,6 +101,7 @@ class XPTableData {
     std::uint64_t m_rowsFilled = 0; ///< rows that hold NaN or a value; the capacity above is untouched memory
     std::uint64_t m_rowsWritten = 0; ///< the highest row written
     std::uint64_t m_memoryLimit = std::numeric_limits<std::uint64_t>::max();
+    std::uint64_t m_bytesBeside = 0;
     std::vector<ColumnSummary> m_summaries;
     bool m_summariesHold = false;
     std::vector<std::string> m_columnNames;

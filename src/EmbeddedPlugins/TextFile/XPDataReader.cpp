@@ -1,9 +1,11 @@
 // The reader's loop, and how every end of it becomes one report.
 #include "EmbeddedPlugins/TextFile/XPDataReader.h"
 
+#include "Core/Assertions.h"
 #include "Platform/Core/Log.h"
 #include "libparsers/csvTokenizing.h"
 
+#include <algorithm>
 #include <array>
 #include <new>
 #include <optional>
@@ -12,9 +14,15 @@
 
 namespace {
 
-QString megabytes(std::uint64_t bytes) {
-    constexpr std::uint64_t megabyte = 1'000'000;
-    return QStringLiteral("%1 MB").arg(bytes / megabyte + (bytes % megabyte != 0 ? 1 : 0));
+constexpr std::uint64_t megabyte = 1'000'000;
+
+/// In whole megabytes the need still is more than the limit.
+QString tooLarge(std::uint64_t neededBytes, std::uint64_t limit) {
+    const std::uint64_t allowed = limit / megabyte;
+    const std::uint64_t needed = std::max(neededBytes / megabyte, allowed + 1);
+    return QStringLiteral("the table would need %1 MB, more than the %2 MB it may take")
+        .arg(needed)
+        .arg(allowed);
 }
 
 QString atLine(const TableBuilder& builder, const QString& reason) {
@@ -56,7 +64,7 @@ void XPDataReader::startReading() {
             m_thread = std::thread(&XPDataReader::run, this);
             return;
         } catch (const std::system_error& error) {
-            reason = QString::fromLocal8Bit(error.what());
+            reason = QStringLiteral("no thread to read it: ") + QString::fromLocal8Bit(error.what());
         }
     }
     report(nullptr, &reason);
@@ -72,12 +80,13 @@ void XPDataReader::run() {
         try {
             readInto(*table, builder);
         } catch (const TableTooLarge& error) {
-            reason = atLine(builder, QStringLiteral("the table would need %1, more than the %2 it may take")
-                                         .arg(megabytes(error.neededBytes), megabytes(m_memoryLimit)));
+            reason = atLine(builder, tooLarge(error.neededBytes, m_memoryLimit));
         } catch (const FieldTooLong&) {
             reason = atLine(
                 builder, QStringLiteral("a field is longer than %1 MiB").arg(IParser::longestField >> 20U));
         } catch (const std::bad_alloc&) {
+            reason = atLine(builder, QStringLiteral("not enough memory"));
+        } catch (const AssertionFailure&) { // the table got no memory: the only one on this road
             reason = atLine(builder, QStringLiteral("not enough memory"));
         } catch (const std::exception& error) {
             reason = atLine(builder, QString::fromUtf8(error.what()));
