@@ -2,6 +2,7 @@
 velquin_library(core
   HEADERS
     Core/Assertions.h
+    Core/BlockOperations.h
     Core/CalendarFields.h
     Core/CivilDate.h
     Core/ClampToInt.h
@@ -11,6 +12,7 @@ velquin_library(core
     Core/NumberText.h
     Core/PixelMath.h
     Core/PolylineCompressor.h
+    Core/PostfixProgram.h
     Core/PremultipliedColor.h
     Core/SegmentClip.h
     Core/ShortDecimal.h
@@ -34,6 +36,7 @@ velquin_library(core
     Core/NewCurveColor.cpp
     Core/NumberText.cpp
     Core/PolylineCompressor.cpp
+    Core/PostfixProgram.cpp
     Core/PremultipliedColor.cpp
     Core/SignalFilters.cpp
     Core/StrokeRasterizer.cpp

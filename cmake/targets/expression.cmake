@@ -5,7 +5,9 @@ velquin_library(expression
   HEADERS
     Classes/ExpressionEvaluator/EvaluationRun.h
     Classes/ExpressionEvaluator/EvaluatorFunctions.h
+    Classes/ExpressionEvaluator/ExpressionCompiler.h
     Classes/ExpressionEvaluator/ExpressionErrors.h
+    Classes/ExpressionEvaluator/ExpressionParser.h
     Classes/ExpressionEvaluator/ExpressionText.h
     Classes/ExpressionEvaluator/FunctionHelp.h
     Classes/ExpressionEvaluator/RowEvaluator.h
@@ -14,7 +16,9 @@ velquin_library(expression
   SOURCES
     Classes/ExpressionEvaluator/EvaluationRun.cpp
     Classes/ExpressionEvaluator/EvaluatorFunctions.cpp
+    Classes/ExpressionEvaluator/ExpressionCompiler.cpp
     Classes/ExpressionEvaluator/ExpressionErrors.cpp
+    Classes/ExpressionEvaluator/ExpressionParser.cpp
     Classes/ExpressionEvaluator/ExpressionText.cpp
     Classes/ExpressionEvaluator/FunctionHelp.cpp
     Classes/ExpressionEvaluator/RowEvaluator.cpp

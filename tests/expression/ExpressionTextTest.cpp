@@ -53,7 +53,8 @@ TEST(ExpressionText, ScansForWhatIsUsed) {
         {u"row/c1"_qs, {0}, true, false, {}},
         {u"year(c1)*mean (c2,3)"_qs, {0, 1}, false, true, {}},
         {u"time()"_qs, {}, false, true, {}},
-        {u"c2-meantime-mktimestamp(c1,1,1,1,1,1)"_qs, {0, 1}, false, false, {}},
+        {u"c2-timemean1-mktimestamp(c1,1,1,1,1,1)"_qs, {0, 1}, false, false, {}},
+        {u"1<2andmean(c1,2)>0"_qs, {0}, false, true, {}},
         {u"-fir(c1,1)"_qs, {0}, false, true, {}},
         {u"cosc12"_qs, {11}, false, false, {}}, // one too many is allowed, one too few is not
     };

@@ -29,8 +29,8 @@ class EvaluationRun {
                   std::stop_token stop, ProgressReport report);
 
     /// Returns why there is no result: the first error in row order decides, if it is one that ends the
-    /// evaluation. When `stop` is requested it returns within a row of each thread, and the results are of no
-    /// use.
+    /// evaluation. When `stop` is requested it returns within a row or a block of each thread, and the
+    /// results are of no use.
     std::optional<std::string> run();
 
   private:

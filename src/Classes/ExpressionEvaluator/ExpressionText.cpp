@@ -63,7 +63,9 @@ bool dependsOnRowOrder(std::string_view text) {
     for (const auto* word = text.begin(); word != text.end();) {
         const auto* const end = std::find_if_not(word, text.end(), isNameCharacter);
         const std::string_view name(word, static_cast<std::size_t>(end - word));
-        if (std::find(orderedFunctions.begin(), orderedFunctions.end(), name) != orderedFunctions.end())
+        // The library sees a number, an operator and a function in "1andmean".
+        if (std::any_of(orderedFunctions.begin(), orderedFunctions.end(),
+                        [name](std::string_view ordered) { return name.ends_with(ordered); }))
             return true;
         word = end == text.end() ? end : std::max(end, word + 1);
     }

@@ -1,14 +1,14 @@
-// The parser behind an evaluation, and the copy that is enough for an expression that is just a column.
+// The two roads of an evaluation: a compiled program, and the parser for all that cannot be compiled.
 #include "Classes/ExpressionEvaluator/RowEvaluator.h"
 
-#include "Classes/ExpressionEvaluator/EvaluatorFunctions.h"
+#include "Classes/ExpressionEvaluator/ExpressionCompiler.h"
+#include "Classes/ExpressionEvaluator/ExpressionParser.h"
 #include "Classes/ExpressionEvaluator/ExpressionText.h"
 #include "EmbeddedPlugins/Common/XPTableData.h"
 
 #include <muparserx/mpParser.h>
 
 #include <algorithm>
-#include <deque>
 #include <limits>
 #include <utility>
 #include <vector>
@@ -17,89 +17,45 @@ namespace {
 
 constexpr double missing = std::numeric_limits<double>::quiet_NaN();
 
-class ColumnCopy final : public RowEvaluator {
+/// Looks for a stop before each block of rows, some microseconds' work.
+class CompiledRowEvaluator final : public RowEvaluator {
   public:
-    explicit ColumnCopy(std::span<const double> column) : m_column(column) {}
+    explicit CompiledRowEvaluator(PostfixProgram program)
+        : m_program(std::move(program)), m_stack(m_program.greatestDepth() * PostfixProgram::blockRows) {}
 
     std::optional<RowError> evaluate(std::uint64_t firstRow, std::span<double> results,
-                                     const std::stop_token&) override {
-        const std::uint64_t start = std::min<std::uint64_t>(firstRow, m_column.size());
-        const std::uint64_t count = std::min<std::uint64_t>(results.size(), m_column.size() - start);
-        const auto copied = m_column.subspan(start, count);
-        std::fill(std::copy(copied.begin(), copied.end(), results.begin()), results.end(), missing);
+                                     const std::stop_token& stop) override {
+        while (!results.empty() && !stop.stop_requested()) {
+            const auto block = results.first(std::min(results.size(), PostfixProgram::blockRows));
+            m_program.evaluate(firstRow, block, m_stack);
+            firstRow += block.size();
+            results = results.subspan(block.size());
+        }
         return {};
     }
 
   private:
-    std::span<const double> m_column;
+    PostfixProgram m_program;
+    std::vector<double> m_stack;
 };
 
 class ParserRowEvaluator final : public RowEvaluator {
   public:
-    ParserRowEvaluator(const PreparedExpression& expression, const XPTableData& table);
+    explicit ParserRowEvaluator(std::unique_ptr<ExpressionParser> parser) : m_parser(std::move(parser)) {}
 
     std::optional<RowError> evaluate(std::uint64_t firstRow, std::span<double> results,
                                      const std::stop_token& stop) override;
 
   private:
-    struct ColumnVariable {
-        mup::Value* value;
-        std::span<const double> column;
-    };
+    std::optional<RowError> evaluateRow(std::uint64_t row, double& result);
 
-    mup::Value* newVariable(const std::string& name);
-    void assignVariables(std::uint64_t row);
-    std::optional<RowError> evaluateRow(double& result);
-
-    mup::ParserX m_parser{mup::pckALL_NON_COMPLEX};
-    std::deque<mup::Value> m_values; // where the parser's variables look
-    mup::Value* m_row = nullptr;
-    std::vector<ColumnVariable> m_columns;
-    std::optional<RowError> m_setUpError;
+    std::unique_ptr<ExpressionParser> m_parser;
 };
 
-/// Assigning a variable costs as much as an operation, so that those it cannot use are not even made.
-ParserRowEvaluator::ParserRowEvaluator(const PreparedExpression& expression, const XPTableData& table) {
-    if (auto misplaced = expressionText::misplacedLogicalOperator(expression.text)) {
-        m_setUpError = {true, std::move(*misplaced)};
-        return;
-    }
-    if (auto assignment = expressionText::assignmentIn(expression.text)) {
-        m_setUpError = {true, std::move(*assignment)};
-        return;
-    }
-    try {
-        m_parser.SetExpr(expression.text);
-        defineEvaluatorFunctions(m_parser);
-        if (expression.usesRow)
-            m_row = newVariable("row");
-        for (const std::uint64_t column : expression.columns)
-            m_columns.push_back(
-                {newVariable(std::string(1, 'c').append(std::to_string(column + 1))), table.column(column)});
-        m_parser.DefineConst("nan", mup::Value(missing));
-    } catch (mup::ParserError& error) {
-        m_setUpError = expressionErrors::describe(error);
-        m_setUpError->endsEvaluation = true;
-    }
-}
-
-mup::Value* ParserRowEvaluator::newVariable(const std::string& name) {
-    mup::Value* value = &m_values.emplace_back(0.0);
-    m_parser.DefineVar(name, mup::Variable(value));
-    return value;
-}
-
-void ParserRowEvaluator::assignVariables(std::uint64_t row) {
-    if (m_row != nullptr)
-        *m_row = static_cast<mup::int_type>(row);
-    for (const auto& [value, column] : m_columns)
-        *value = row < column.size() ? column[row] : missing;
-}
-
-std::optional<RowError> ParserRowEvaluator::evaluateRow(double& result) {
+std::optional<RowError> ParserRowEvaluator::evaluateRow(std::uint64_t row, double& result) {
     result = missing;
     try {
-        const mup::IValue& value = m_parser.Eval();
+        const mup::IValue& value = m_parser->evaluate(row);
         switch (value.GetType()) {
         case 'f':
         case 'i':
@@ -122,7 +78,7 @@ std::optional<RowError> ParserRowEvaluator::evaluateRow(double& result) {
 
 std::optional<RowError> ParserRowEvaluator::evaluate(std::uint64_t firstRow, std::span<double> results,
                                                      const std::stop_token& stop) {
-    std::optional<RowError> firstError = m_setUpError;
+    std::optional<RowError> firstError = m_parser->setUpError();
     if (firstError) {
         std::fill(results.begin(), results.end(), missing);
         return firstError;
@@ -131,8 +87,7 @@ std::optional<RowError> ParserRowEvaluator::evaluate(std::uint64_t firstRow, std
     for (double& result : results) {
         if (stop.stop_requested())
             break;
-        assignVariables(row++);
-        std::optional<RowError> error = evaluateRow(result);
+        std::optional<RowError> error = evaluateRow(row++, result);
         if (error && !firstError)
             firstError = std::move(error);
     }
@@ -143,7 +98,18 @@ std::optional<RowError> ParserRowEvaluator::evaluate(std::uint64_t firstRow, std
 
 std::unique_ptr<RowEvaluator> makeRowEvaluator(const PreparedExpression& expression,
                                                const XPTableData& table) {
-    if (expression.bareColumn)
-        return std::make_unique<ColumnCopy>(table.column(*expression.bareColumn));
-    return std::make_unique<ParserRowEvaluator>(expression, table);
+    if (expression.bareColumn) {
+        PostfixProgram copy;
+        copy.pushColumn(table.column(*expression.bareColumn));
+        return std::make_unique<CompiledRowEvaluator>(std::move(copy));
+    }
+    auto parser = std::make_unique<ExpressionParser>(expression, table);
+    if (auto program = compiled(*parser))
+        return std::make_unique<CompiledRowEvaluator>(std::move(*program));
+    return std::make_unique<ParserRowEvaluator>(std::move(parser));
+}
+
+std::unique_ptr<RowEvaluator> makeParserRowEvaluator(const PreparedExpression& expression,
+                                                     const XPTableData& table) {
+    return std::make_unique<ParserRowEvaluator>(std::make_unique<ExpressionParser>(expression, table));
 }

@@ -23,7 +23,12 @@ class RowEvaluator {
                                              const std::stop_token& stop) = 0;
 };
 
-/// An expression that cannot be set up makes an evaluator with that error in each row. `table` must outlive
-/// it; `expressionErrors::prepareLibrary` ran before.
+/// A compiled program where there can be one, else the parser. An expression that
+/// cannot be set up makes an evaluator with that error in each row. `table` must outlive it;
+/// `expressionErrors::prepareLibrary` ran before.
 std::unique_ptr<RowEvaluator> makeRowEvaluator(const PreparedExpression& expression,
                                                const XPTableData& table);
+
+/// The parser whatever the expression: what programs must equal.
+std::unique_ptr<RowEvaluator> makeParserRowEvaluator(const PreparedExpression& expression,
+                                                     const XPTableData& table);
