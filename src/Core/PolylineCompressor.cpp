@@ -1,9 +1,11 @@
-// The grouping of points by pixel: one loop, with everything that is rare moved out of it.
+// The grouping of points by pixel, one by one, and a block at a time where many fall on one pixel column.
 #include "Core/PolylineCompressor.h"
 
 #include "Core/PixelMath.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <utility>
 
 namespace {
@@ -16,6 +18,31 @@ constexpr unsigned rowChanged = 2;
 constexpr unsigned bothChanged = columnChanged | rowChanged;
 constexpr PlotPoint noPoint{-1, std::numeric_limits<float>::quiet_NaN(),
                             std::numeric_limits<float>::quiet_NaN()};
+
+constexpr std::size_t blockLength = 16;
+
+/// Four floats that the processor compares at once.
+using Quad = float __attribute__((vector_size(4 * sizeof(float))));
+
+/// Least and greatest of a block.
+struct BlockRange {
+    Quad least;
+    Quad greatest;
+
+    explicit BlockRange(Quad first) : least(first), greatest(first) {}
+    void add(Quad values) {
+        least = values < least ? values : least;
+        greatest = values > greatest ? values : greatest;
+    }
+    float minimum() const { return std::min({least[0], least[1], least[2], least[3]}); }
+    float maximum() const { return std::max({greatest[0], greatest[1], greatest[2], greatest[3]}); }
+};
+
+Quad quadAt(const float* values) {
+    Quad quad;
+    std::memcpy(&quad, values, sizeof quad);
+    return quad;
+}
 
 /// Puts the four extremes in the order of the data.
 void sortByIndex(std::array<PlotPoint, 6>& group) {
@@ -51,9 +78,19 @@ void PolylineCompressor::run() {
     std::uint32_t base = 0;
     std::size_t count = m_fetch(x, y);
     while (count > 0) {
-        for (std::size_t i = 0; i + 1 < count; ++i) {
-            if (step(x[i], y[i], static_cast<std::int32_t>(base + static_cast<std::uint32_t>(i)), false))
+        std::size_t nextBlock = 0; // where a block may begin: not within one that was refused
+        for (std::size_t i = 0; i + 1 < count;) {
+            const auto index = static_cast<std::int32_t>(base + static_cast<std::uint32_t>(i));
+            if (i >= nextBlock && i + blockLength < count) {
+                if (takeBlock(x + i, y + i, index)) {
+                    i += blockLength;
+                    continue;
+                }
+                nextBlock = i + blockLength;
+            }
+            if (step(x[i], y[i], index, false))
                 return;
+            ++i;
         }
         // Only the fetch that follows the last point of a chunk tells whether it is the last of all; it may
         // overwrite the chunk.
@@ -117,7 +154,55 @@ inline bool PolylineCompressor::step(float x, float y, std::int32_t index, bool 
     return false;
 }
 
+/// Takes the next points at once if all of them lie in the picture, on the pixel column of a group that has
+/// not left it: none of them ends the group. Else it takes none and returns false.
+inline bool PolylineCompressor::takeBlock(const float* x, const float* y, std::int32_t index) {
+    if (truncatedPixel(x[blockLength - 1]) != m_lastPixelX || (m_changeFlags & columnChanged) != 0 ||
+        m_previousOutcode != 0 || m_previousInvalid)
+        return false;
+    BlockRange xs(quadAt(x));
+    BlockRange ys(quadAt(y));
+    Quad sum = quadAt(x) + quadAt(y); // of all: NaN as soon as one is NaN
+    for (std::size_t i = 4; i < blockLength; i += 4) {
+        const Quad nextX = quadAt(x + i);
+        const Quad nextY = quadAt(y + i);
+        xs.add(nextX);
+        ys.add(nextY);
+        sum += nextX + nextY;
+    }
+    const float left = xs.minimum();
+    const float right = xs.maximum();
+    const float low = ys.minimum();
+    const float high = ys.maximum();
+    const float total = sum[0] + sum[1] + sum[2] + sum[3];
+    if (total != total || !(left >= 0 && right <= m_width && low >= 0 && high <= m_height) ||
+        truncatedPixel(left) != m_lastPixelX || truncatedPixel(right) != m_lastPixelX)
+        return false;
+    const auto pointAt = [=](std::size_t i) {
+        return PlotPoint{index + static_cast<std::int32_t>(i), x[i], y[i]};
+    };
+    const auto pointWith = [&](const float* values, float value) {
+        return pointAt(static_cast<std::size_t>(std::find(values, values + blockLength, value) - values));
+    };
+    if (left < m_group[LeastX].x)
+        m_group[LeastX] = pointWith(x, left);
+    if (right > m_group[GreatestX].x)
+        m_group[GreatestX] = pointWith(x, right);
+    if (low < m_group[LeastY].y)
+        m_group[LeastY] = pointWith(y, low);
+    if (high > m_group[GreatestY].y)
+        m_group[GreatestY] = pointWith(y, high);
+    if (truncatedPixel(low) != m_lastPixelY || truncatedPixel(high) != m_lastPixelY)
+        m_changeFlags |= rowChanged;
+    m_group[Last] = pointAt(blockLength - 1);
+    m_lastPixelY = truncatedPixel(m_group[Last].y);
+    m_segmentInvisible = false;
+    return true;
+}
+
 std::span<const PlotPoint> PolylineCompressor::buildOutputList() {
+    if (m_group[First].index == m_group[Last].index)
+        return std::span(m_group).first(1);
     sortByIndex(m_group);
     std::size_t kept = 1;
     for (std::size_t i = 1; i < m_group.size(); ++i) {

@@ -4,6 +4,7 @@
 #include "Core/PremultipliedColor.h"
 #include "Core/SegmentClip.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -22,9 +23,10 @@
 /// steep it is, and nothing is sorted. Doubles hold the sums without overflow: what is left of a ramp of
 /// slope s after it ended is below 1e-15 s for each row above it.
 ///
-/// A long line in no order soon covers most of the picture. Now and then a rectangle is looked for that is
-/// full already: what a segment has within it is left out, and a segment that lies in it is gone after four
-/// comparisons.
+/// A long line in no order soon covers most of the picture. Now and then it is looked where everything is
+/// full already: the longest run of rows of each block of columns, and the greatest rectangle within these
+/// runs. What a segment has within the rectangle is left out, and a segment that lies in it is gone after
+/// four comparisons; of the rest, the blocks in which it stays within the run.
 class StrokeRasterizer {
   public:
     /// `width` and `height` in pixels, not negative; takes 8 bytes a pixel. `lineWidth` in pixels, positive.
@@ -47,15 +49,25 @@ class StrokeRasterizer {
         int first;
         int end;
     };
+    struct Columns {
+        int first;
+        int end;
+    };
+    struct Ramp;
+    using Rectangle = std::array<Point, 4>; ///< corners counter-clockwise
 
     void addSegment(Point from, Point to, Point normal);
     void addRectangle(Point from, Point to, Point normal);
+    void addWhereNotFull(const Rectangle& corners, Point from, Point to, Point normal);
+    void addOutline(const Rectangle& corners, Columns columns);
     void addBevel(Point at, Point normalBefore, Point normalAfter);
-    void addEdge(Point from, Point to);
+    void addEdge(Point from, Point to, Columns columns);
     void addWithinPicture(Point left, Point right, double sign);
-    void addToColumn(int column, double y0, double y1, double signedWidth);
+    void touch(int column, const Ramp& begin, const Ramp& end);
+    void addToColumn(int column, const Ramp& begin, const Ramp& end, double signedWidth);
     void paintColumn(int column, PixelGrid image, const CoverageRamp& colors);
     std::int64_t cellsBetweenSearches() const;
+    void findWhatIsFull();
     void findFullBox();
     Rows longestFullRun(int column) const;
 
@@ -70,10 +82,12 @@ class StrokeRasterizer {
     int m_firstColumn;        ///< the columns that were added to
     int m_endColumn = 0;
 
-    ClipBox m_near; ///< what lies outside cannot touch the picture
-    ClipBox m_full; ///< a centre line in here draws where everything is full
+    ClipBox m_near;   ///< what lies outside cannot touch the picture
+    ClipBox m_full;   ///< a centre line in here draws where everything is full
+    int m_blockWidth; ///< columns of a block; what is left of the picture behind the last one is in none
+    std::vector<Rows> m_fullRuns; ///< of each block, rows that are full in all its columns; empty: not known
     std::int64_t
-        m_cellsUntilSearch; ///< columns that segments may cross until the full box is looked for again
+        m_cellsUntilSearch; ///< columns that edges may cross until it is looked again for what is full
 
     Point m_last{0, 0};
     bool m_lastIsInFull = false;
