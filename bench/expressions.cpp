@@ -1,8 +1,9 @@
 // Expressions over 1,000,000 rows, beside the plainest loop around the parser library that could do the same.
 //
-// Run bench_expressions. `loop` sets the two variables and evaluates, on one thread; `oneThread` is the
-// program's own loop on one thread, over a table of that many columns; `task` is a whole evaluation as a
-// curve starts it, on the processors that are free, column ranges included.
+// Run bench_expressions. `scalar` is the compiler's own loop; `loop` sets the two variables and evaluates, on
+// one thread; `oneThread` is the program's own loop on one thread, by the road that it takes and by the
+// parser; `task` is a whole evaluation as a curve starts it, on the processors that are free, column ranges
+// included: its CPU time is that of all threads.
 #include "Classes/ExpressionEvaluator/ExpressionErrors.h"
 #include "Classes/ExpressionEvaluator/ExpressionText.h"
 #include "Classes/ExpressionEvaluator/RowEvaluator.h"
@@ -13,7 +14,7 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <cstring>
+#include <cmath>
 #include <random>
 #include <string>
 #include <vector>
@@ -46,6 +47,19 @@ struct SilentDelegate : XExpressionEvaluatorDelegate {
     void expressionFailed(const QString&, const QString&, quint64) override {}
 };
 
+void scalar(benchmark::State& state) {
+    const auto& table = tableOf(2);
+    const auto x = table->column(0);
+    const auto y = table->column(1);
+    for (auto _ : state) {
+        std::vector<double> results(rows);
+        for (std::size_t row = 0; row < rows; ++row)
+            results[row] = std::sin(x[row]) + y[row] * 0.5;
+        benchmark::DoNotOptimize(results.data());
+    }
+}
+BENCHMARK(scalar)->Unit(benchmark::kMillisecond)->UseRealTime();
+
 void loop(benchmark::State& state) {
     const auto& table = tableOf(2);
     const auto x = table->column(0);
@@ -68,41 +82,51 @@ void loop(benchmark::State& state) {
 }
 BENCHMARK(loop)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-void oneThread(benchmark::State& state) {
-    const auto& table = tableOf(static_cast<std::uint64_t>(state.range(0)));
-    const auto prepared = expressionText::prepare(QString::fromStdString(sine), table->columnsNumber());
+using MakeEvaluator = decltype(makeRowEvaluator);
+
+void oneThread(benchmark::State& state, MakeEvaluator* make, const std::string& expression,
+               std::uint64_t columns) {
+    const auto& table = tableOf(columns);
+    const auto prepared = expressionText::prepare(QString::fromStdString(expression), columns);
     for (auto _ : state) {
         std::vector<double> results(rows);
-        makeRowEvaluator(*prepared, *table)->evaluate(0, results, std::stop_source().get_token());
+        make(*prepared, *table)->evaluate(0, results, std::stop_source().get_token());
         benchmark::DoNotOptimize(results.data());
     }
 }
-BENCHMARK(oneThread)->Arg(2)->Arg(20)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-void task(benchmark::State& state, const char* expression) {
+void task(benchmark::State& state, const std::string& expression) {
     const auto delegate = std::make_shared<SilentDelegate>();
     for (auto _ : state) {
-        XExpressionEvaluatorTask evaluation(QString::fromLatin1(expression), tableOf(2), delegate, 1);
+        XExpressionEvaluatorTask evaluation(QString::fromStdString(expression), tableOf(2), delegate, 1);
         evaluation.main();
         if (!evaluation.result())
             state.SkipWithError("no result");
     }
 }
-BENCHMARK_CAPTURE(task, sine, "sin(c1)+c2*0.5")->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(task, product, "c1*2")->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(task, mean10, "mean(c1,10)")->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(task, mean100000, "mean(c1,100000)")->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(task, percentile1001, "percentile(c1,50,1001)")
-    ->Unit(benchmark::kMillisecond)
-    ->UseRealTime();
-BENCHMARK_CAPTURE(task, percentileOfAll, "percentile(c1,50,-1)")
-    ->Unit(benchmark::kMillisecond)
-    ->UseRealTime();
-BENCHMARK_CAPTURE(task, hour, "hour(c1)")->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK_CAPTURE(task, mktimestamp, "mktimestamp(2000,1,c1-mod(c1,1),0,0,0)")
-    ->Unit(benchmark::kMillisecond)
-    ->UseRealTime();
-BENCHMARK_CAPTURE(task, bareColumn, "c1")->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void registerExpressions() {
+    const auto oneOf = [](const std::string& road, MakeEvaluator* make, const std::string& expression,
+                          std::uint64_t columns) {
+        benchmark::RegisterBenchmark(("oneThread/" + road + "/" + expression).c_str(), oneThread, make,
+                                     expression, columns)
+            ->Unit(benchmark::kMillisecond)
+            ->UseRealTime();
+    };
+    for (const char* expression :
+         {"sin(c1)+c2*0.5", "c1*2", "(c1+c2)/(c1-c2)", "c2>15 ? c1 : -1", "c1^2+c2^0.5"}) {
+        oneOf("taken", makeRowEvaluator, expression, 2);
+        oneOf("parser", makeParserRowEvaluator, expression, 2);
+    }
+    oneOf("parser, 20 columns", makeParserRowEvaluator, sine, 20);
+    for (const char* expression :
+         {"sin(c1)+c2*0.5", "c1*2", "c1", "mean(c1,10)", "mean(c1,100000)", "percentile(c1,50,1001)",
+          "percentile(c1,50,-1)", "hour(c1)", "mktimestamp(2000,1,c1-mod(c1,1),0,0,0)"})
+        benchmark::RegisterBenchmark((std::string("task/") + expression).c_str(), task, expression)
+            ->Unit(benchmark::kMillisecond)
+            ->MeasureProcessCPUTime()
+            ->UseRealTime();
+}
 
 /// What a bare column is compared with: the values copied into new memory, their ranges taken.
 void copy(benchmark::State& state) {
@@ -121,6 +145,7 @@ BENCHMARK(copy)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 int main(int argc, char** argv) {
     expressionErrors::prepareLibrary();
+    registerExpressions();
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     return 0;
