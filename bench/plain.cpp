@@ -37,6 +37,7 @@ std::string_view mapped(const char* path) {
 
 std::vector<Column> columnsOf(std::string_view text) {
     std::vector<Column> columns;
+    const std::size_t rowsToExpect = text.size() / (std::min(text.find('\n'), text.size()) + 1) + 1;
     const char* at = text.data();
     const char* const end = at + text.size();
     while (at < end) {
@@ -44,7 +45,7 @@ std::vector<Column> columnsOf(std::string_view text) {
             double value = std::numeric_limits<double>::quiet_NaN();
             at = std::from_chars(at, end, value).ptr;
             if (column == columns.size())
-                columns.emplace_back();
+                columns.emplace_back().reserve(rowsToExpect);
             columns[column].push_back(value);
             while (at < end && *at != ',' && *at != '\n')
                 ++at;
