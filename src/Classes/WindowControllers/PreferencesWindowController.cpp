@@ -93,7 +93,7 @@ void PreferencesWindowController::awakeFromNib() {
 
 void PreferencesWindowController::fillFolders() {
     m_desktopDirMenuItem = folderItem(tr("Desktop"), Desktop);
-    m_picturesDirMenuItem = folderItem(tr("Velquin in Pictures"), Pictures);
+    m_picturesDirMenuItem = folderItem(tr("Velquin in Pictures"), FolderType::Pictures);
     m_documentsDirMenuItem = folderItem(tr("Documents"), Documents);
     MenuItemIcon::setIconBySearchPathDirectory(*m_desktopDirMenuItem, QStandardPaths::DesktopLocation);
     MenuItemIcon::setIconBySearchPathDirectory(*m_picturesDirMenuItem, QStandardPaths::PicturesLocation);
