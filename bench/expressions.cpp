@@ -121,7 +121,8 @@ void registerExpressions() {
     oneOf("parser, 20 columns", makeParserRowEvaluator, sine, 20);
     for (const char* expression :
          {"sin(c1)+c2*0.5", "c1*2", "c1", "mean(c1,10)", "mean(c1,100000)", "percentile(c1,50,1001)",
-          "percentile(c1,50,-1)", "hour(c1)", "mktimestamp(2000,1,c1-mod(c1,1),0,0,0)"})
+          "percentile(c1,50,-1)", "hour(c1)", "mktimestamp(2000,1,c1-mod(c1,1),0,0,0)",
+          "mktimestamp(2000,1,1,0,(row-mod(row,60))/60,mod(row,60))"})
         benchmark::RegisterBenchmark((std::string("task/") + expression).c_str(), task, expression)
             ->Unit(benchmark::kMillisecond)
             ->MeasureProcessCPUTime()

@@ -37,7 +37,7 @@ std::tm currentLocalTime() {
     return local;
 }
 
-double timestampOf(const CalendarDate& date, double second, const std::tm& now) {
+double timestampOf(const CalendarDate& date, const std::tm& now) {
     constexpr int least = std::numeric_limits<int>::min();
     if (date.year < least + firstYear || date.month == least)
         return std::numeric_limits<double>::quiet_NaN();
@@ -50,5 +50,5 @@ double timestampOf(const CalendarDate& date, double second, const std::tm& now) 
     fields.tm_sec = 0;
     fields.tm_wday = 0;
     fields.tm_yday = 0;
-    return static_cast<double>(std::mktime(&fields)) + second;
+    return static_cast<double>(std::mktime(&fields));
 }

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <ctime>
+#include <limits>
 #include <optional>
 
 /// A point in local time.
@@ -23,6 +24,13 @@ struct CalendarFields {
 /// last `tzset`.
 std::optional<CalendarFields> calendarFieldsOf(double timestamp);
 
+/// One of the fields, NaN where there are none: `calendarField<&CalendarFields::hour>`.
+template <auto member>
+double calendarField(double timestamp) {
+    const auto fields = calendarFieldsOf(timestamp);
+    return fields ? static_cast<double>((*fields).*member) : std::numeric_limits<double>::quiet_NaN();
+}
+
 /// What `timestampOf` takes: fields that need not be in their ranges (month 13 is January of the next year).
 struct CalendarDate {
     int year = 1970;
@@ -30,12 +38,14 @@ struct CalendarDate {
     int dayOfMonth = 1;
     int hour = 0;
     int minute = 0;
+
+    bool operator==(const CalendarDate&) const = default;
 };
 
 /// The current local time, broken down.
 std::tm currentLocalTime();
 
-/// The timestamp of a local date plus `second`, NaN where the fields leave the C library's range.
+/// The timestamp of a local date, NaN where the fields leave the C library's range.
 /// Kept: whether daylight saving is in force is taken from `now`, not from the date; a date in the other half
 /// of the year is one hour off.
-double timestampOf(const CalendarDate& date, double second, const std::tm& now);
+double timestampOf(const CalendarDate& date, const std::tm& now);

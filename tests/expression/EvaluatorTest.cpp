@@ -135,13 +135,14 @@ TEST_F(Evaluator, FourEvaluationsInAStormOfCancellations) {
     for (int i = 0; i < 4; ++i)
         delegates.push_back(std::make_shared<RecordingDelegate>());
     std::vector<quint64> last(delegates.size());
-    for (int round = 0; round < 50; ++round) {
+    const QString expressions[] = {u"sin(c1)*hour(c1)"_qs, u"sin(c1)*c1+row"_qs,
+                                   u"percentile(c1,50,9)+bad"_qs};
+    const int rounds = support::rounds(50);
+    for (int round = 1; round <= rounds; ++round) {
         for (std::size_t i = 0; i < delegates.size(); ++i) {
-            const QString expression =
-                round % 2 == 0 ? u"sin(c1)*hour(c1)"_qs : u"percentile(c1,50,9)+bad"_qs;
             evaluator.cancelAllOperationsForDelegate(delegates[i].get());
             last[i] = evaluator.startEvaluateExpressionWithDataDelegate(
-                round == 49 ? u"c1/row"_qs : expression, table, delegates[i]);
+                round == rounds ? u"c1/row"_qs : expressions[round % 3], table, delegates[i]);
         }
     }
     ASSERT_TRUE(idle());

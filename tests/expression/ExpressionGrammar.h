@@ -37,8 +37,9 @@ class ExpressionGrammar {
             return oneOf({"-", "+", "(float)", "- "}) + number(depth - 1);
         case 8:
         case 9:
-            return oneOf({"sin",   "cos",   "tan", "asin", "acos", "atan", "sinh",  "cosh", "tanh", "asinh",
-                          "acosh", "atanh", "log", "ln",   "log2", "exp",  "log10", "sqrt", "cbrt", "abs"}) +
+            return oneOf({"sin",   "cos",   "tan",   "asin",  "acos", "atan",   "sinh",     "cosh",
+                          "tanh",  "asinh", "acosh", "atanh", "log",  "ln",     "log2",     "exp",
+                          "log10", "sqrt",  "cbrt",  "abs",   "hour", "second", "dayofyear"}) +
                    '(' + number(depth - 1) + ')';
         case 10:
             return oneOf({"pow", "hypot", "atan2", "fmod", "mod", "remainder"}) + '(' + number(depth - 1) +
@@ -90,7 +91,7 @@ class ExpressionGrammar {
         case 1:
             return number(depth);
         case 2:
-            return oneOf({"hour", "(int)", "delta", "sizeof", "strlen"}) + '(' + number(depth) + ')';
+            return oneOf({"(int)", "delta", "sizeof", "strlen"}) + '(' + number(depth) + ')';
         case 3:
             return number(depth) + oneOf({"&", "|", "<<", ">>", ",", "//"}) + number(depth);
         case 4:

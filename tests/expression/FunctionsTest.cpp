@@ -152,6 +152,10 @@ TEST(TimeFunctions, InUniversalTime) {
         {"not a time", "year(c1)", {nan, inf, -inf, 1e18, -1e300}, {nan, nan, nan, nan, nan}},
         {"before year 1", "year(c1)", {-62198755200}, {-1}},
         {"from fields", "mktimestamp(2000,1,1,0,0,c1)", {0.5, -1}, {946684800.5, 946684799}},
+        {"one minute, then another",
+         "mktimestamp(1970,1,1,0,c1,1)",
+         {1, 1, 2, nan, 1},
+         {61, 61, 121, nan, 61}},
         {"fields are normalised", "mktimestamp(1999,13,c1,24,60,0)", {1, 0}, {946774800, 946688400}},
         {"gaps stay gaps", "mktimestamp(c1,1,1,0,0,0)", {nan, 1970, nan}, {nan, 0, nan}},
         {"beyond the calendar", "mktimestamp(c1,1,1,0,0,0)", {1e18, -2147483648.0}, {nan, nan}},
@@ -177,11 +181,11 @@ TEST(TimeFunctions, DaylightSaving) {
     const CalendarDate summer{.year = 2023, .month = 7, .dayOfMonth = 1};
     std::tm now{};
     now.tm_isdst = 0;
-    EXPECT_EQ(timestampOf(winter, 0, now), 1672527600);
-    EXPECT_EQ(timestampOf(summer, 0.25, now), 1688166000.25) << "kept: the flag of now, one hour off";
+    EXPECT_EQ(timestampOf(winter, now), 1672527600);
+    EXPECT_EQ(timestampOf(summer, now), 1688166000) << "kept: the flag of now, one hour off";
     now.tm_isdst = 1;
-    EXPECT_EQ(timestampOf(winter, 0, now), 1672524000) << "kept: the flag of now, one hour off";
-    EXPECT_EQ(timestampOf(summer, 0, now), 1688162400);
+    EXPECT_EQ(timestampOf(winter, now), 1672524000) << "kept: the flag of now, one hour off";
+    EXPECT_EQ(timestampOf(summer, now), 1688162400);
 }
 
 TEST(TimeFunctions, TheClockStartsWithTheEvaluation) {

@@ -187,74 +187,46 @@ class FN_CurrentTime final : public EvaluatorFunction<FN_CurrentTime> {
     double m_creationTime = now();
 };
 
-/// One field of a timestamp in local time. `Derived` has `field(fields)`.
-template <class Derived>
-class CalendarFunction : public EvaluatorFunction<Derived> {
+/// One field of a timestamp in local time.
+class CalendarFunction final : public mup::ICallback {
   public:
-    static constexpr int argumentCount = 1;
+    CalendarFunction(const char* name, const char* description, double (*field)(double timestamp))
+        : ICallback(mup::cmFUNC, name, 1), m_description(description), m_field(field) {}
 
-    static double value(const Arguments& arguments) {
-        const auto fields = calendarFieldsOf(arguments.number(0));
-        return fields ? static_cast<double>(Derived::field(*fields)) : noValue;
+    void Eval(mup::ptr_val_type& result, const mup::ptr_val_type* arguments, int count) override {
+        *result = m_field(Arguments(arguments, count).number(0));
     }
+    const mup::char_type* GetDesc() const override { return m_description; }
+    mup::IToken* Clone() const override { return new CalendarFunction(*this); } // NOLINT: the library's
+
+  private:
+    const char* m_description;
+    double (*m_field)(double timestamp);
 };
 
-class FN_year final : public CalendarFunction<FN_year> {
-  public:
-    static constexpr auto name = "year";
-    static constexpr auto description = "Returns year of given timestamp";
-    static auto field(const CalendarFields& fields) { return fields.year; }
-};
-
-class FN_month final : public CalendarFunction<FN_month> {
-  public:
-    static constexpr auto name = "month";
-    static constexpr auto description = "Returns month of given timestamp (1...12)";
-    static auto field(const CalendarFields& fields) { return fields.month; }
-};
-
-class FN_dayofmonth final : public CalendarFunction<FN_dayofmonth> {
-  public:
-    static constexpr auto name = "dayofmonth";
-    static constexpr auto description = "Returns day of month of given timestamp (1...31)";
-    static auto field(const CalendarFields& fields) { return fields.dayOfMonth; }
-};
-
-class FN_hour final : public CalendarFunction<FN_hour> {
-  public:
-    static constexpr auto name = "hour";
-    static constexpr auto description = "Returns hour component of given timestamp (0...23)";
-    static auto field(const CalendarFields& fields) { return fields.hour; }
-};
-
-class FN_minute final : public CalendarFunction<FN_minute> {
-  public:
-    static constexpr auto name = "minute";
-    static constexpr auto description = "Returns minute component of given timestamp (0...59)";
-    static auto field(const CalendarFields& fields) { return fields.minute; }
-};
-
-class FN_second final : public CalendarFunction<FN_second> {
-  public:
-    static constexpr auto name = "second";
-    static constexpr auto description = "Returns seconds of given timestamp (0...59)";
-    static auto field(const CalendarFields& fields) { return fields.second; }
-};
-
-class FN_dayofweek final : public CalendarFunction<FN_dayofweek> {
-  public:
-    static constexpr auto name = "dayofweek";
-    static constexpr auto description =
-        "Returns day of week component of given timestamp (1...7, (Mon...Sun))";
-    static auto field(const CalendarFields& fields) { return fields.dayOfWeek; }
-};
-
-class FN_dayofyear final : public CalendarFunction<FN_dayofyear> {
-  public:
-    static constexpr auto name = "dayofyear";
-    static constexpr auto description = "Returns day of year of given timestamp (1...366)";
-    static auto field(const CalendarFields& fields) { return fields.dayOfYear; }
-};
+void defineCalendarFunctions(mup::ParserX& parser) {
+    const struct {
+        const char* name;
+        const char* description;
+        double (*field)(double timestamp);
+    } functions[] = {
+        {"year", "Returns year of given timestamp", calendarField<&CalendarFields::year>},
+        {"month", "Returns month of given timestamp (1...12)", calendarField<&CalendarFields::month>},
+        {"dayofmonth", "Returns day of month of given timestamp (1...31)",
+         calendarField<&CalendarFields::dayOfMonth>},
+        {"hour", "Returns hour component of given timestamp (0...23)", calendarField<&CalendarFields::hour>},
+        {"minute", "Returns minute component of given timestamp (0...59)",
+         calendarField<&CalendarFields::minute>},
+        {"second", "Returns seconds of given timestamp (0...59)", calendarField<&CalendarFields::second>},
+        {"dayofweek", "Returns day of week component of given timestamp (1...7, (Mon...Sun))",
+         calendarField<&CalendarFields::dayOfWeek>},
+        {"dayofyear", "Returns day of year of given timestamp (1...366)",
+         calendarField<&CalendarFields::dayOfYear>},
+    };
+    for (const auto& [name, description, field] : functions)
+        parser.DefineFun(
+            mup::ptr_cal_type(new CalendarFunction(name, description, field))); // NOLINT: the library owns it
+}
 
 class FN_mktimestamp final : public EvaluatorFunction<FN_mktimestamp> {
   public:
@@ -263,7 +235,7 @@ class FN_mktimestamp final : public EvaluatorFunction<FN_mktimestamp> {
     static constexpr auto description = "Returns timestamp for given year, month, day, hour, minute, second";
 
     /// A gap in the data is a gap in the result; a number that is not whole is the library's error.
-    static double value(const Arguments& arguments) {
+    double value(const Arguments& arguments) {
         int fields[5];
         for (int i = 0; i < 6; ++i) {
             if (std::isnan(arguments.number(i)))
@@ -275,13 +247,31 @@ class FN_mktimestamp final : public EvaluatorFunction<FN_mktimestamp> {
             if (fields[i] != field)
                 return noValue;
         }
-        return timestampOf({.year = fields[0],
-                            .month = fields[1],
-                            .dayOfMonth = fields[2],
-                            .hour = fields[3],
-                            .minute = fields[4]},
-                           arguments.number(5), currentLocalTime());
+        return startOf({.year = fields[0],
+                        .month = fields[1],
+                        .dayOfMonth = fields[2],
+                        .hour = fields[3],
+                        .minute = fields[4]}) +
+               arguments.number(5);
     }
+
+  private:
+    struct Minute {
+        CalendarDate date;
+        int daylightSaving; ///< in force now
+        double start;
+    };
+
+    /// The row before has most often had the same minute, and the C library asks the file system for a
+    /// changed time zone at each call.
+    double startOf(const CalendarDate& date) {
+        const std::tm now = currentLocalTime();
+        if (!m_minute || m_minute->date != date || m_minute->daylightSaving != now.tm_isdst)
+            m_minute = {date, now.tm_isdst, timestampOf(date, now)};
+        return m_minute->start;
+    }
+
+    std::optional<Minute> m_minute;
 };
 
 // Limits to what the library itself offers: one wrong number must not take all memory, nor keep a single row
@@ -346,7 +336,7 @@ void define(mup::ParserX& parser) {
 
 void defineEvaluatorFunctions(mup::ParserX& parser) {
     define<FN_Mean, FN_Delta, FN_Integrate, FN_mod, FN_CurrentTime, FN_LowPass, FN_HighPass, FN_FIR_Filter,
-           FN_year, FN_month, FN_dayofmonth, FN_hour, FN_minute, FN_second, FN_dayofweek, FN_dayofyear,
            FN_mktimestamp, FN_percentile>(parser);
+    defineCalendarFunctions(parser);
     limitLibrary(parser);
 }

@@ -1,8 +1,9 @@
-// What the library's operators and functions do to numbers and truths, and the walk over its postfix form.
+// What operators and functions do to numbers and truths, and the walk over the postfix form of the library.
 #include "Classes/ExpressionEvaluator/ExpressionCompiler.h"
 
 #include "Classes/ExpressionEvaluator/ExpressionParser.h"
 #include "Core/BlockOperations.h"
+#include "Core/CalendarFields.h"
 
 #include <muparserx/mpIPrecedence.h>
 #include <muparserx/mpRPN.h>
@@ -158,6 +159,14 @@ constexpr std::array libraryOperations = {
     function<std::sqrt>("sqrt"),
     function<std::cbrt>("cbrt"),
     function<std::fabs>("abs"),
+    function<calendarField<&CalendarFields::year>>("year"),
+    function<calendarField<&CalendarFields::month>>("month"),
+    function<calendarField<&CalendarFields::dayOfMonth>>("dayofmonth"),
+    function<calendarField<&CalendarFields::hour>>("hour"),
+    function<calendarField<&CalendarFields::minute>>("minute"),
+    function<calendarField<&CalendarFields::second>>("second"),
+    function<calendarField<&CalendarFields::dayOfWeek>>("dayofweek"),
+    function<calendarField<&CalendarFields::dayOfYear>>("dayofyear"),
     function2<std::pow>("pow"),
     function2<std::hypot>("hypot"),
     function2<std::atan2>("atan2"),

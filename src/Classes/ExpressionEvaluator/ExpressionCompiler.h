@@ -9,7 +9,7 @@ class ExpressionParser;
 
 /// A program whose value is the library's in each row, bit for bit (a NaN is a NaN), and which the library
 /// evaluates without an error in each row. Nothing for all else: texts, arrays, bits, functions with a state,
-/// the clock, the calendar, operands of mixed types, an unusual depth, and whatever is wrong with the
+/// the clock, dates, operands of mixed types, an unusual depth, and whatever is wrong with the
 /// expression.
 ///
 /// The library parses: what is translated is its own postfix form, so that there is no second grammar. It
