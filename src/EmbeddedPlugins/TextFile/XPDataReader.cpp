@@ -57,6 +57,7 @@ void XPDataReader::startReading() {
         return;
     }
     QString reason;
+    m_reserve = std::make_unique<std::array<char, reserveSize>>();
     if (!m_inputStream->isOpen() && !m_inputStream->open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         reason = m_inputStream->errorString();
     } else {
@@ -133,11 +134,14 @@ void XPDataReader::feed(Parser& parser, TableBuilder& builder) {
 }
 
 void XPDataReader::report(std::shared_ptr<XPTableData> table, const QString* errorReason) {
+    m_reserve.reset();
     try {
         if (errorReason != nullptr && m_errorHandler)
             m_errorHandler(*errorReason);
         else if (errorReason == nullptr && m_completionHandler)
             m_completionHandler(std::move(table));
+    } catch (const std::bad_alloc&) {
+        // Not even a line in the log can be had.
     } catch (const std::exception& error) {
         logMethod("-[XPDataReader startReading]", QString::fromUtf8(error.what()));
     } catch (...) {

@@ -8,6 +8,7 @@
 #include <QIODevice>
 #include <QString>
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <functional>
@@ -68,7 +69,10 @@ class XPDataReader {
     void feed(Parser& parser, TableBuilder& builder);
     void report(std::shared_ptr<XPTableData> table, const QString* errorReason);
 
+    static constexpr std::size_t reserveSize = 65536;
+
     std::unique_ptr<QIODevice> m_inputStream;
+    std::unique_ptr<std::array<char, reserveSize>> m_reserve; ///< memory for the report, given back before it
     LineSelection m_selection;
     int m_delimiterType = 0;
     std::uint64_t m_memoryLimit = std::numeric_limits<std::uint64_t>::max();
