@@ -123,6 +123,16 @@ TEST(XPTableData, RangesOfLongColumnsAreTheSameFromASummaryAndFromAScan) {
         const auto summarized = ranges();
         for (const std::size_t which : {0, 1})
             expectRange(summarized[which], scanned[which], which == 0 ? "all" : "positive");
+        const auto values = table.column(0);
+        const auto blocks = table.blockRanges(0);
+        ASSERT_EQ(blocks.size(), (values.size() + XPTableData::rowsPerBlock - 1) / XPTableData::rowsPerBlock);
+        for (std::size_t row = 0; row < values.size(); ++row) {
+            const XValueRange& block = blocks[row / XPTableData::rowsPerBlock];
+            const bool isWithin = values[row] >= block.minimum && values[row] <= block.maximum;
+            ASSERT_TRUE(isWithin || std::isnan(values[row])) << row;
+        }
+        table.writeNullAtColRow(0, 0);
+        EXPECT_TRUE(table.blockRanges(0).empty()) << "a write forgets the summary";
     }
 }
 

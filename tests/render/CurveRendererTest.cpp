@@ -2,6 +2,7 @@
 #include "Classes/PlotView/CurveRenderer.h"
 
 #include "Classes/Axes/XAxis.h"
+#include "Classes/Axes/XLogAxis.h"
 #include "Classes/PlotView/PointSprites.h"
 #include "Classes/PlotView/XPointsLibrary.h"
 #include "core/StrokeReference.h"
@@ -333,6 +334,91 @@ TEST(CurveRenderer, WorksInDevicePixels) {
     EXPECT_EQ(alpha(render(line, 2), 50, 77), 0) << "2 points are 4 pixels";
     CurveSnapshot thinRing = shapesOf(6, 10, {60}, {40});
     EXPECT_NEAR(alpha(render(thinRing, 2), 120, 60), 0.5, 0.1) << "width 0 is one device pixel";
+}
+
+/// Counts the values that it and its copies convert.
+template <class Axis>
+class CountingAxis : public Axis {
+  public:
+    CountingAxis(int length, double min, double max) {
+        this->setRangeMinMax(min, max);
+        this->setPixelLength(length);
+    }
+    std::unique_ptr<XAxis> copy() const override { return std::make_unique<CountingAxis>(*this); }
+    int valuesToPixelsFromToCount(const double* from, float* to, std::size_t count) const override {
+        *converted += count;
+        return Axis::valuesToPixelsFromToCount(from, to, count);
+    }
+    std::shared_ptr<std::size_t> converted = std::make_shared<std::size_t>(0);
+};
+
+TEST(CurveRenderer, RowsOutOfViewCostLittleAndChangeNothing) {
+    constexpr std::size_t rows = 30000;
+    std::mt19937 random(21);
+    std::uniform_real_distribution<double> uniform(0, 1);
+    struct Row {
+        const char* name;
+        std::function<double(double)> x; ///< of the row
+        double mostConverted;            ///< share of the rows, on the average of all views
+    };
+    const Row table[] = {
+        {"ascending", [](double row) { return row + 0.25; }, 0.4},
+        {"descending", [=](double row) { return rows - row; }, 0.4},
+        {"to and fro", [=](double row) { return rows * (0.5 + 0.49 * std::sin(row / 3000)); }, 0.7},
+        {"gaps", [&](double row) { return uniform(random) < 0.3 ? nan : row; }, 0.4},
+        {"gaps of thousands", [](double row) { return std::fmod(row, 5000) < 2500 ? row : nan; }, 0.9},
+        {"mostly gaps", [&](double row) { return uniform(random) < 0.8 ? nan : row; }, 1.1},
+        {"in jumps", [](double row) { return row - 0.9 * std::fmod(row, 4096); }, 0.5},
+        {"row numbers", [](double row) { return row; }, 0.4},
+        {"in any order", [&](double) { return rows * uniform(random); }, 1.1},
+    };
+    const auto check = [&]<class Axis>(const Row& row, Axis) {
+        std::vector<double> x, y;
+        for (std::size_t i = 0; i < rows; ++i) {
+            x.push_back(row.x(static_cast<double>(i)));
+            y.push_back(uniform(random) < 0.1 ? inf : 1 + height * uniform(random));
+        }
+        CurveSnapshot full = shapesOf(2, 12, x, y);
+        full.colorAlpha = 0.02F; // so that what lies behind other shapes is seen
+        CurveSnapshot summarized = full;
+        auto copy = std::make_shared<XPTableData>();
+        for (std::size_t i = 0; i < rows; ++i) {
+            copy->writeValueAtColRow(x[i], 0, i);
+            copy->writeValueAtColRow(y[i], 1, i);
+        }
+        copy->summarizeColumns();
+        summarized.table = copy;
+        if (std::string(row.name) == "row numbers")
+            summarized.xIndex = 0;
+        std::size_t converted = 0;
+        constexpr int views = 6;
+        int drawn = 0;
+        for (int view = 0; view < views; ++view) {
+            // Every other view begins close to the end of a chunk.
+            const double low = view % 2 == 0 ? 4096 * (1 + view) + 5 : rows * uniform(random);
+            const CountingAxis<Axis> axisX(width, low, low + 30 + 1000 * uniform(random));
+            CountingAxis<Axis> axisY(height, 1, height);
+            for (CurveSnapshot* curve : {&full, &summarized}) {
+                curve->lineWidth = view % 3;
+                curve->ticksShape = view % 2 == 0 || view % 3 == 0
+                                        ? XPointsLibrary::sharedLibrary().pointDescriptionWithId(2)
+                                        : nullptr;
+            }
+            const QImage expected = CurveRenderer::renderImage(full, axisX, axisY, 1, {});
+            ASSERT_EQ(*axisY.converted, rows);
+            *axisY.converted = 0;
+            EXPECT_EQ(CurveRenderer::renderImage(summarized, axisX, axisY, 1, {}), expected)
+                << row.name << ", view " << view << " from " << low;
+            drawn += isEmpty(expected) ? 0 : 1;
+            converted += *axisY.converted;
+        }
+        EXPECT_LE(static_cast<double>(converted) / (views * rows), row.mostConverted) << row.name;
+        EXPECT_GE(drawn, views / 2) << row.name;
+    };
+    for (const Row& row : table) {
+        check(row, XAxis());
+        check(row, XLogAxis());
+    }
 }
 
 TEST(CurveRenderer, EndsSoonWhenCancelled) {

@@ -36,9 +36,6 @@ std::uint64_t saturatedProduct(std::uint64_t a, std::uint64_t b) {
     return __builtin_mul_overflow(a, b, &product) ? std::numeric_limits<std::uint64_t>::max() : product;
 }
 
-/// Values that are ranged together, twice where need be: they stay in the nearest cache meanwhile.
-constexpr std::size_t rangedBlock = 2048;
-
 /// The least range that holds both; either may be {NaN, NaN}, which holds nothing.
 XValueRange united(XValueRange a, XValueRange b) {
     return {std::fmin(a.minimum, b.minimum), std::fmax(a.maximum, b.maximum)};
@@ -88,8 +85,8 @@ XValueRange rangeOfValuesWithin(std::span<const double> values, double lowest, d
 } // namespace
 
 TableTooLarge::TableTooLarge(std::uint64_t columns, std::uint64_t rows, std::uint64_t bytes)
-    : std::runtime_error("a table of " + std::to_string(columns) + " columns and " + std::to_string(rows) +
-                         " rows is too large"),
+    : std::runtime_error("a table of " + std::to_string(columns) + " x " + std::to_string(rows) +
+                         " values would take more memory than there may be"),
       neededBytes(bytes) {}
 
 XPTableData::~XPTableData() = default;
@@ -236,9 +233,11 @@ void XPTableData::summarizeColumns() {
 
 XPTableData::ColumnSummary XPTableData::summaryOf(std::span<const double> values) {
     ColumnSummary summary;
-    for (std::size_t at = 0; at < values.size(); at += rangedBlock) {
-        const auto block = values.subspan(at, std::min(rangedBlock, values.size() - at));
+    summary.blocks.reserve(values.size() / rowsPerBlock + 1);
+    for (std::size_t at = 0; at < values.size(); at += rowsPerBlock) {
+        const auto block = values.subspan(at, std::min<std::size_t>(rowsPerBlock, values.size() - at));
         const XValueRange all = rangeOfValuesWithin(block, -greatestFinite, greatestFinite);
+        summary.blocks.push_back(all);
         summary.all = united(summary.all, all);
         if (all.minimum >= smallestPositive)
             summary.positive = united(summary.positive, all);
@@ -247,6 +246,11 @@ XPTableData::ColumnSummary XPTableData::summaryOf(std::span<const double> values
                 united(summary.positive, rangeOfValuesWithin(block, smallestPositive, all.maximum));
     }
     return summary;
+}
+
+std::span<const XValueRange> XPTableData::blockRanges(std::uint64_t index) const {
+    return m_summariesHold && index < m_summaries.size() ? m_summaries[index].blocks
+                                                         : std::span<const XValueRange>();
 }
 
 void XPTableData::removeColumnsWithoutData() {

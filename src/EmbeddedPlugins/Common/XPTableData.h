@@ -28,6 +28,8 @@ class XPTableData {
   public:
     /// The least value that counts as positive: the smallest normal double.
     static constexpr double smallestPositive = std::numeric_limits<double>::min();
+    /// Rows that are ranged together, twice where need be: they stay in the nearest cache meanwhile.
+    static constexpr std::size_t rowsPerBlock = 2048;
 
     XPTableData() = default;
     ~XPTableData();
@@ -73,6 +75,9 @@ class XPTableData {
     /// calls it last; a later write forgets them.
     void summarizeColumns();
     bool isSummarized() const { return m_summariesHold; }
+    /// Least and greatest finite value of each `rowsPerBlock` rows of a column, {NaN, NaN} where there is
+    /// none; for a bad index, and unless `summarizeColumns` ran, there are no blocks.
+    std::span<const XValueRange> blockRanges(std::uint64_t index) const;
 
     void removeColumnsWithoutData();
     std::string debugDump() const;
@@ -88,6 +93,7 @@ class XPTableData {
     struct ColumnSummary {
         XValueRange all;
         XValueRange positive;
+        std::vector<XValueRange> blocks;
     };
 
     static ColumnSummary summaryOf(std::span<const double> values);
