@@ -262,6 +262,7 @@ TEST(PropertyList, refusesWhatIsNoneAndSaysWhy) {
         {"no number", plistXml("<real>1,5</real>"), "\"1,5\" is no number"},
         {"an empty number", plistXml("<real/>"), "\"\" is no number"},
         {"no date", plistXml("<date>yesterday</date>"), "is no date"},
+        {"a date before the first year", plistXml("<date>0001-01-01T00:00:00+12:00</date>"), "is no date"},
         {"no base 64", plistXml("<data>?</data>"), "base 64"},
         {"wrong UTF-8", plistXml("<string>\xFF</string>"), "line 1"},
         {"513 lists deep", nested("<array>", "</array>", 513), "nested too deeply"},
@@ -277,6 +278,8 @@ TEST(PropertyList, refusesWhatIsNoneAndSaysWhy) {
         {"binary: a key that is no text", binary({QByteArray("\xD1\x01\x01"), QByteArray("\x09")}),
          "no text"},
         {"binary: null", binary({QByteArray(1, 0)}), "unknown kind"},
+        {"binary: a date before the first year", binary({QByteArray("\x33\xC2\x38\0\0\0\0\0\0", 9)}),
+         "out of range"},
         {"binary: 65 bits", binary({QByteArray("\x14\0\0\0\0\0\0\0\1\0\0\0\0\0\0\0\0", 17)}),
          "more than 64 bits"},
     };

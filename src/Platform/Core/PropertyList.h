@@ -8,8 +8,8 @@
 #include <optional>
 
 /// Values are QVariantMap (keys sorted), QVariantList, QString, bool, qint64 (or quint64), double, float
-/// (written with its own shortest digits), QByteArray and QDateTime. Doubles survive bit for bit, -0.0
-/// included.
+/// (written with its own shortest digits), QByteArray and QDateTime (years 1 to 9999, written to the second).
+/// Doubles survive bit for bit, -0.0 included.
 namespace PropertyList {
 
 struct ReadResult {

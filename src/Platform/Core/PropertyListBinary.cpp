@@ -7,7 +7,6 @@
 #include <QtEndian>
 
 #include <bit>
-#include <cmath>
 #include <span>
 
 using PropertyList::Malformed;
@@ -142,9 +141,10 @@ class BinaryReader {
 
     QDateTime readDate(quint64 from) const {
         constexpr double year2001 = 978307200; // seconds after 1970, where its dates begin
+        constexpr double year1 = -62135596800; // what XML can say
         constexpr double year9999 = 253402300799;
         const double seconds = std::bit_cast<double>(unsignedAt(from, 8)) + year2001;
-        if (!(std::abs(seconds) <= year9999))
+        if (!(seconds >= year1 && seconds <= year9999))
             throw Malformed("it holds a date out of range");
         return QDateTime::fromMSecsSinceEpoch(static_cast<qint64>(seconds * 1000), Qt::UTC);
     }
