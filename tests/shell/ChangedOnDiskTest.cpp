@@ -1,11 +1,16 @@
-// Saving a document whose file somebody else touched, changed, replaced or removed.
+// Saving a document whose file somebody else touched, changed, replaced or removed, and where it cannot be
+// written.
 #include "WindowFixture.h"
 
 #include "Platform/Core/PropertyList.h"
 
 #include <QDir>
 
+#include <csignal>
+#include <functional>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 using support::ScratchFolder;
@@ -56,8 +61,57 @@ constexpr DiskRow diskRows[] = {
      true},
 };
 
+using Remedy = std::function<void()>;
+
+struct FaultRow {
+    const char* name;
+    const char* reason;
+    Remedy (*befalls)(const QString& folder, const QString& path);
+};
+
+/// Root may do everything; anybody else does it as the one who runs the tests.
+Remedy withoutRights(const QString& path, mode_t mode) {
+    constexpr uid_t nobody = 65534;
+    const bool isRoot = ::geteuid() == 0;
+    EXPECT_EQ(::chmod(qPrintable(path), mode), 0);
+    EXPECT_EQ(isRoot ? ::seteuid(nobody) : 0, 0);
+    return [path, isRoot] {
+        EXPECT_EQ(isRoot ? ::seteuid(0) : 0, 0);
+        EXPECT_EQ(::chmod(qPrintable(path), 0777), 0);
+    };
+}
+
+constexpr FaultRow faultRows[] = {
+    {"no room", "File too large",
+     [](const QString&, const QString&) -> Remedy {
+         rlimit before = {};
+         EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+         const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+         const rlimit small{.rlim_cur = 100, .rlim_max = before.rlim_max};
+         EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+         return [before, oldHandler] {
+             EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &before), 0);
+             std::signal(SIGXFSZ, oldHandler);
+         };
+     }},
+    {"read-only folder", "Permission denied",
+     [](const QString& folder, const QString&) { return withoutRights(folder, 0555); }},
+    {"write-protected file", "Permission denied",
+     [](const QString&, const QString& path) { return withoutRights(path, 0444); }},
+    {"hidden folder", "Permission denied",
+     [](const QString& folder, const QString&) { return withoutRights(folder, 0); }},
+    {"folder that is gone", "No such file or directory",
+     [](const QString& folder, const QString&) -> Remedy {
+         EXPECT_TRUE(QDir().rename(folder, folder + u".away"_qs));
+         return [folder] { EXPECT_TRUE(QDir().rename(folder + u".away"_qs, folder)); };
+     }},
+};
+
 class ChangedOnDisk : public WindowFixture {
   protected:
+    static QStringList strayFiles(const QString& folder) {
+        return QDir(folder).entryList({u".velquin-*"_qs}, QDir::Files | QDir::Hidden);
+    }
     /// A saved document with a change that is not saved.
     MoxDocumentWindow& editedWindow(const QString& path) {
         MoxDocumentWindow& window = windowWith({u"1"_qs});
@@ -96,7 +150,7 @@ TEST_F(ChangedOnDisk, isNoticedByWhatTheFileHolds) {
             EXPECT_EQ(ScratchFolder::read(path), before);
         else
             EXPECT_EQ(titleIn(path), u"first"_qs);
-        EXPECT_TRUE(QDir(folder.path()).entryList({u".velquin-*"_qs}, QDir::Files | QDir::Hidden).isEmpty());
+        EXPECT_TRUE(strayFiles(folder.path()).isEmpty());
     }
 }
 
@@ -121,6 +175,35 @@ TEST_F(ChangedOnDisk, savesElsewhereOrOverwritesAndNoticesTheNextChange) {
         EXPECT_FALSE(window.document().isDocumentEdited());
     }
     EXPECT_EQ(alerts.messages.size(), 3);
+}
+
+TEST_F(ChangedOnDisk, isAsItWasWhenItCannotBeWrittenAndIsWrittenWhenItCan) {
+    ASSERT_EQ(::chmod(qPrintable(folder.path()), 0711), 0); // for whoever has no rights
+    for (const FaultRow& row : faultRows) {
+        SCOPED_TRACE(row.name);
+        const QString home = folder.path(QLatin1String(row.name)), path = home + u"/a.mox"_qs;
+        ASSERT_TRUE(QDir().mkdir(home));
+        ASSERT_EQ(::chmod(qPrintable(home), 0777), 0);
+        MoxDocumentWindow& window = editedWindow(path);
+        const QByteArray before = ScratchFolder::read(path);
+        alerts.messages.clear();
+        alerts.plan = {0}; // "OK"
+        bool isSaved = true;
+        const Remedy remedy = row.befalls(home, path);
+        window.save([&](bool saved) { isSaved = saved; });
+        remedy();
+        EXPECT_FALSE(isSaved);
+        EXPECT_EQ(alerts.messages, QStringList{u"“a.mox” was not saved."_qs});
+        EXPECT_TRUE(alerts.reason.startsWith(QLatin1String(row.reason) + u'.'))
+            << alerts.reason.toStdString();
+        EXPECT_TRUE(window.document().isDocumentEdited());
+        EXPECT_EQ(ScratchFolder::read(path), before);
+        EXPECT_TRUE(strayFiles(home).isEmpty());
+        window.save([&](bool saved) { isSaved = saved; });
+        EXPECT_TRUE(isSaved);
+        EXPECT_EQ(titleIn(path), u"first"_qs);
+        EXPECT_FALSE(window.document().isDocumentEdited());
+    }
 }
 
 TEST_F(ChangedOnDisk, isNoticedInADocumentThatWasRead) {

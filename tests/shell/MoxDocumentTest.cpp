@@ -86,14 +86,6 @@ TEST_F(MoxDocumentTest, savingAndOpeningGivesTheSameFile) {
               support::ScratchFolder::read(folder.path(u"b.mox"_qs)));
 }
 
-TEST_F(MoxDocumentTest, aFailedSaveLeavesTheFileAndTheMark) {
-    document().setPlotAreaTitle(u"new"_qs);
-    const std::optional<QString> reason = document().writeToURL(u"/proc/velquin-cannot-write-here.mox"_qs);
-    ASSERT_TRUE(reason.has_value());
-    EXPECT_FALSE(reason->isEmpty());
-    EXPECT_TRUE(document().isDocumentEdited());
-}
-
 struct RefusedFile {
     const char* name;
     QByteArray bytes;

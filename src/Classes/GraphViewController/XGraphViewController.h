@@ -97,7 +97,9 @@ class XGraphViewController : public XViewController,
     void onMakeSnapshotToFile();
     void onMakeSnapshotToClipboard();
     void onRevealSnapshotsFolder();
-    void onMakeSnapshotToPDF(); ///< a diagnostic: "/tmp/snapshot.pdf"
+    void onMakeSnapshotToPDF(); ///< a diagnostic
+    /// In place of "/tmp/snapshot.pdf".
+    void setPdfPath(const QString& path) { m_pdfPath = path; }
     /// The plot with its titles and its legend as they are on the screen, in its pixels. Null when there is
     /// no memory for it.
     QImage getSnapshot();
@@ -187,6 +189,7 @@ class XGraphViewController : public XViewController,
     bool m_axisYTitle_inFocus = false;
     bool m_blackBackground = false;
     int m_snapshotButtonMode = 0;
+    QString m_pdfPath = QStringLiteral("/tmp/snapshot.pdf");
     QTimer m_snapshotNews; ///< until the status line says something else
     SnapshotWriter m_snapshotWriter;
     bool m_legendVisible = false;

@@ -38,8 +38,6 @@ constexpr double opacityOfBlink = 0.5;
 constexpr std::chrono::milliseconds blink{200};
 constexpr std::chrono::seconds newsStay{5};
 
-constexpr auto pdfPath = "/tmp/snapshot.pdf";
-
 QString elided(const QString& title, TextRole role, double room) {
     return QFontMetricsF(plotFont(role)).elidedText(title, Qt::ElideMiddle, room);
 }
@@ -218,16 +216,15 @@ void XGraphViewController::saySnapshot(const QString& news) {
 void XGraphViewController::onMakeSnapshotToPDF() {
     QBuffer bytes;
     bytes.open(QIODevice::WriteOnly);
-    const QString path = QString::fromLatin1(pdfPath);
     PlacedFile::Result result{PlacedFile::Result::Outcome::Failed, tr("The page could not be drawn.")};
     if (writePdfPage(bytes, m_ui->plotViewContainer->size(), m_ui->plotArea_titleLabel->text(),
                      [this](QPainter& painter) { paintContainer(painter, PageOutput::Vector); }))
-        result = PlacedFile::writeInSharedFolder(path, bytes.data());
+        result = PlacedFile::writeInSharedFolder(m_pdfPath, bytes.data());
     if (result.isWritten())
-        saySnapshot(tr("Snapshot written as “%1”").arg(path));
+        saySnapshot(tr("Snapshot written as “%1”").arg(m_pdfPath));
     else
-        Alerts::shared().tell(m_view, tr("“%1” was not written.").arg(QFileInfo(path).fileName()),
-                              u"%1: %2"_s.arg(path, result.reason));
+        Alerts::shared().tell(m_view, tr("“%1” was not written.").arg(QFileInfo(m_pdfPath).fileName()),
+                              u"%1: %2"_s.arg(m_pdfPath, result.reason));
 }
 
 void XGraphViewController::onExportPicture(const QString& name) {
