@@ -139,15 +139,22 @@ TEST_F(Evaluator, FourEvaluationsInAStormOfCancellations) {
                                    u"percentile(c1,50,9)+bad"_qs};
     const int rounds = support::rounds(50);
     for (int round = 1; round <= rounds; ++round) {
+        const auto& met = delegates[round / 2 % delegates.size()];
+        const std::size_t reports = met->heard().progress.size();
         for (std::size_t i = 0; i < delegates.size(); ++i) {
             evaluator.cancelAllOperationsForDelegate(delegates[i].get());
             last[i] = evaluator.startEvaluateExpressionWithDataDelegate(
                 round == rounds ? u"c1/row"_qs : expressions[round % 3], table, delegates[i]);
         }
+        if (round % 2 == 0) { // the next round meets evaluations that have begun
+            ASSERT_TRUE(support::waitUntil([&] { return met->heard().progress.size() > reports; }));
+        }
     }
     ASSERT_TRUE(idle());
-    for (std::size_t i = 0; i < delegates.size(); ++i)
+    for (std::size_t i = 0; i < delegates.size(); ++i) {
         EXPECT_EQ(delegates[i]->heard().generations.back(), last[i]);
+        EXPECT_EQ(delegates[i]->heard().results.back()->column(0)[7], 1);
+    }
 }
 
 TEST(SharedEvaluator, EndsWithRunningEvaluationsAndStartsAgain) {
