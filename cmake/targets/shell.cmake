@@ -60,6 +60,7 @@ velquin_library(shell
     Classes/WindowControllers/MenuTable.cpp
     Classes/WindowControllers/MoxDocumentWindow.cpp
     Classes/WindowControllers/MoxDocumentWindowClosing.cpp
+    Classes/WindowControllers/MoxDocumentWindowTabs.cpp
     Classes/WindowControllers/StatusLine.cpp
     Classes/WindowControllers/TabRow.cpp
     Classes/WindowControllers/WindowDrops.cpp

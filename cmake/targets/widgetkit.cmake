@@ -34,6 +34,7 @@ velquin_library(widgetkit
     Platform/Widgets/FlippedGeometry.h
     Platform/Widgets/Pictures.h
     Platform/Widgets/StylePainting.h
+    Platform/Widgets/StyleState.h
     Platform/Widgets/ThemeColors.h
     Platform/Widgets/VelquinStyle.h
   SOURCES
@@ -66,6 +67,7 @@ velquin_library(widgetkit
     Platform/Widgets/StylePainting.cpp
     Platform/Widgets/ThemeColors.cpp
     Platform/Widgets/VelquinStyle.cpp
+    Platform/Widgets/VelquinStyleContents.cpp
     Platform/Widgets/VelquinStyleDrawing.cpp
   USES velquin_platform Qt6::Widgets Qt6::Svg Qt6::DBus)
 target_sources(velquin_widgetkit PRIVATE ${CMAKE_SOURCE_DIR}/src/Resources/velquin.qrc)

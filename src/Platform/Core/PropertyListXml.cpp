@@ -157,7 +157,7 @@ class XmlReader {
 
     QDateTime readDate() {
         const QString text = readText().trimmed();
-        const QDateTime date = QDateTime::fromString(text, Qt::ISODate).toUTC();
+        QDateTime date = QDateTime::fromString(text, Qt::ISODate).toUTC();
         const int year = date.date().year(); // another zone may lead out of what can be written again
         if (!date.isValid() || year < 1 || year > 9999)
             fail(QStringLiteral("\"%1\" is no date").arg(text.left(40)));
