@@ -13,7 +13,8 @@
 #include <cmath>
 #include <string_view>
 
-// The library keeps the postfix form to itself; an explicit instantiation may name a private member.
+// The library keeps the postfix form to itself; an explicit instantiation may name a private member, and no
+// longer compiles when that member changes.
 template <auto member>
 struct PostfixFormAccess {
     friend const mup::RPN& postfixFormOf(const mup::ParserXBase& parser) { return parser.*member; }
@@ -49,7 +50,7 @@ double negation(double x) {
     return -x;
 }
 
-/// Multiplies for small whole exponents, where `pow` may round otherwise.
+/// The library multiplies for small whole exponents, where `pow` may round otherwise.
 double power(double x, double y) {
     if (y == 1)
         return x;

@@ -7,10 +7,9 @@
 
 class ExpressionParser;
 
-/// A program whose value is the library's in each row, bit for bit (a NaN is a NaN), and which the library
-/// evaluates without an error in each row. Nothing for all else: texts, arrays, bits, functions with a state,
-/// the clock, dates, operands of mixed types, an unusual depth, and whatever is wrong with the
-/// expression.
+/// A program whose value is the library's in each row, bit for bit (a NaN is a NaN), where the library
+/// evaluates each row without an error. Nothing for all else: texts, arrays, bits, functions with a state,
+/// the clock, whatever fails in some rows or in all, operands of mixed types, and a stack of unusual depth.
 ///
 /// The library parses: what is translated is its own postfix form, so that there is no second grammar. It
 /// evaluates row 0 for that, for an expression without state from row to row an evaluation that nobody
