@@ -6,18 +6,29 @@
 
 #include <algorithm>
 #include <exception>
+#include <new>
 #include <system_error>
 #include <utility>
 
 namespace {
 
+void logFault(const QString& text) {
+    try {
+        logMethod("-[Operation main]", text);
+    } catch (const std::bad_alloc&) {
+        // Not even a line in the log can be had.
+    }
+}
+
 void runGuarded(Operation& operation) {
     try {
         operation.main();
+    } catch (const std::bad_alloc&) {
+        logFault(QStringLiteral("not enough memory"));
     } catch (const std::exception& exception) {
-        logMethod("-[Operation main]", QString::fromUtf8(exception.what()));
+        logFault(QString::fromUtf8(exception.what()));
     } catch (...) {
-        logMethod("-[Operation main]", QStringLiteral("unknown exception"));
+        logFault(QStringLiteral("unknown exception"));
     }
 }
 
