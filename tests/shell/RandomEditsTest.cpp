@@ -12,9 +12,12 @@
 
 #include <QProcess>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <deque>
+#include <map>
+#include <memory>
 #include <random>
 
 using namespace Qt::StringLiterals;
@@ -178,6 +181,51 @@ class RandomEdits {
     std::vector<XDataSource> m_sources;
 };
 
+int observersOf(const Observable& object) {
+    struct Opened : Observable {
+        using Observable::receivers;
+    };
+    return (object.*&Opened::receivers)(SIGNAL(keyChanged(KeyChange)));
+}
+
+/// Watches over the observers of whatever was in a document: those of its place, and no others.
+class Observers {
+  public:
+    explicit Observers(const MoxDocument& document) : m_document(document) {}
+
+    /// Empty when they are right, else what an object has in place of what it should have.
+    std::string fault() {
+        std::map<const Observable*, int> expected;
+        const auto take = [&](const std::shared_ptr<Observable>& object, int observers) {
+            m_seen.insert_or_assign(object.get(), object);
+            expected[object.get()] = observers;
+        };
+        for (const XCurveHandle& curve : m_document.curves())
+            take(curve, 2); // itself, and for undo
+        for (const XDataSource& source : m_document.dataSourcesManager().dataSources())
+            take(source, 3); // for undo, for the edited mark, and for the list of titles
+        std::erase_if(m_seen, [](const auto& entry) { return entry.second.expired(); });
+        for (const auto& [address, weak] : m_seen) {
+            const std::shared_ptr<Observable> object = weak.lock();
+            const int outside = dynamic_cast<const XCurve*>(object.get()) != nullptr ? 1 : 0;
+            const auto found = expected.find(address);
+            const int right = found == expected.end() ? outside : found->second;
+            if (object && observersOf(*object) != right)
+                return std::to_string(observersOf(*object)) + " observers of a " +
+                       object->metaObject()->className() + " in place of " + std::to_string(right);
+        }
+        return {};
+    }
+    /// Whether nothing is left of them.
+    bool areAllGone() const {
+        return std::ranges::all_of(m_seen, [](const auto& entry) { return entry.second.expired(); });
+    }
+
+  private:
+    const MoxDocument& m_document;
+    std::map<const Observable*, std::weak_ptr<Observable>> m_seen;
+};
+
 class RandomEditsTest : public testing::Test {
   protected:
     static void SetUpTestSuite() { XPluginsManager::setFactories({std::make_shared<XPTextFileFactory>()}); }
@@ -187,7 +235,8 @@ TEST_F(RandomEditsTest, UndoAndRedoAreThoseOfAModelWithTenLevels) {
     constexpr std::size_t levels = 10;
     MoxDocument document;
     document.finishOpening();
-    RandomEdits edits(document, 1);
+    std::optional<RandomEdits> edits{std::in_place, document, 1};
+    Observers observers(document);
     std::deque<QVariantMap> before;
     std::deque<QVariantMap> after;
     QVariantMap now = document.plist();
@@ -196,7 +245,7 @@ TEST_F(RandomEditsTest, UndoAndRedoAreThoseOfAModelWithTenLevels) {
         SCOPED_TRACE(i);
         ASSERT_EQ(undo.canUndo(), !before.empty());
         ASSERT_EQ(undo.canRedo(), !after.empty());
-        const unsigned choice = edits.below(4);
+        const unsigned choice = edits->below(4);
         if (choice == 0 && undo.canUndo()) {
             undo.undo();
             after.push_front(std::exchange(now, before.back()));
@@ -205,7 +254,7 @@ TEST_F(RandomEditsTest, UndoAndRedoAreThoseOfAModelWithTenLevels) {
             undo.redo();
             before.push_back(std::exchange(now, after.front()));
             after.pop_front();
-        } else if (choice > 1 && edits.edit()) {
+        } else if (choice > 1 && edits->edit()) {
             undo.closeTurnGroup();
             before.push_back(std::exchange(now, document.plist()));
             if (before.size() > levels)
@@ -213,8 +262,11 @@ TEST_F(RandomEditsTest, UndoAndRedoAreThoseOfAModelWithTenLevels) {
             after.clear();
         }
         ASSERT_EQ(document.plist(), now);
+        ASSERT_EQ(observers.fault(), "");
     }
     document.close();
+    edits.reset();
+    EXPECT_TRUE(support::waitUntil([&] { return observers.areAllGone(); }));
 }
 
 TEST_F(RandomEditsTest, FilesHoldTheWholeDocumentForUsAndForOthers) {
