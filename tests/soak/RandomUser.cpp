@@ -141,7 +141,7 @@ void RandomUser::act() {
     if (below(5) == 0)
         settle();
     else
-        (void)support::waitUntil([&] { return isIdle() || rounds-- == 0; });
+        (void)support::waitUntil([&] { return isIdle() || rounds == 0 || --rounds == 0; });
 }
 
 void RandomUser::settle() {

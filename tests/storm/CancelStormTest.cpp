@@ -160,7 +160,7 @@ class CancelStorm : public testing::Test {
         if (below(2) == 0)
             return QCoreApplication::processEvents();
         unsigned rounds = below(8);
-        (void)support::waitUntil([&] { return isIdle() || rounds-- == 0; });
+        (void)support::waitUntil([&] { return isIdle() || rounds == 0 || --rounds == 0; });
     }
     bool isIdle() const {
         return !document->isReading() && XExpressionEvaluator::sharedInstance().isIdle() &&

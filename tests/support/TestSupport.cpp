@@ -39,9 +39,8 @@ void handleMessage(QtMsgType type, const QMessageLogContext& context, const QStr
     }
     if (type == QtDebugMsg || type == QtInfoMsg)
         return;
-    // The offscreen platform says so of every window that has a least size, and of every menu.
-    if (text == QLatin1String("This plugin does not support propagateSizeHints()") ||
-        text == QLatin1String("This plugin does not support grabbing the keyboard"))
+    // The offscreen platform says so of every window that has a least size.
+    if (text == QLatin1String("This plugin does not support propagateSizeHints()"))
         return;
     for (qsizetype i = 0; i < state.expectedWarnings.size(); ++i) {
         if (text.contains(state.expectedWarnings[i])) {
@@ -49,8 +48,8 @@ void handleMessage(QtMsgType type, const QMessageLogContext& context, const QStr
             return;
         }
     }
-    // The same of every tool window; of other windows that were not expected to be raised, too.
-    if (text == QLatin1String("This plugin does not support raise()"))
+    // The same of tool windows, menus and whatever else it cannot raise, grab or open, expected or not.
+    if (text.startsWith(QLatin1String("This plugin does not support ")))
         return;
     ADD_FAILURE() << "unexpected warning: " << text.toStdString();
 }
