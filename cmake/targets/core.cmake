@@ -18,6 +18,7 @@ velquin_library(core
     Core/ShortDecimal.h
     Core/SignalFilters.h
     Core/StrokeRasterizer.h
+    Core/VectorState.h
     Core/RgbaColor.h
     Core/TabLayout.h
     Core/TickCompressor.h
