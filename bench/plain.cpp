@@ -2,9 +2,9 @@
 // greatest per pixel column, the toolkit's painter. One thread; it knows no quotes, names, gaps or progress.
 //   bench_plain FILE.csv PICTURE.png [REPEATS]
 // With REPEATS it prints what drawing two curves from memory takes, the median in milliseconds.
+#include "PlainDrawing.h"
+
 #include <QGuiApplication>
-#include <QImage>
-#include <QPainter>
 
 #include <algorithm>
 #include <charconv>
@@ -56,70 +56,8 @@ std::vector<Column> columnsOf(std::string_view text) {
     return columns;
 }
 
-struct Range {
-    double least = std::numeric_limits<double>::infinity();
-    double greatest = -std::numeric_limits<double>::infinity();
-
-    void add(double value) {
-        least = std::min(least, value);
-        greatest = std::max(greatest, value);
-    }
-};
-
-Range rangeOf(const Column& column) {
-    Range range;
-    for (const double value : column)
-        range.add(value);
-    return range;
-}
-
-/// First, least, greatest and last of each pixel column, in that order.
-QPolygonF reduced(const Column& xs, const Column& ys, Range x, Range y, QSizeF size) {
-    QPolygonF points;
-    const double scaleX = size.width() / (x.greatest - x.least);
-    const double scaleY = size.height() / (y.greatest - y.least);
-    const auto pixelY = [&](double value) { return size.height() - (value - y.least) * scaleY; };
-    double column = -1;
-    Range here;
-    double last = 0;
-    const auto flush = [&] {
-        if (column < 0)
-            return;
-        points << QPointF(column, pixelY(here.least)) << QPointF(column, pixelY(here.greatest))
-               << QPointF(column, pixelY(last));
-    };
-    for (std::size_t i = 0; i < xs.size(); ++i) {
-        const double pixel = std::floor((xs[i] - x.least) * scaleX);
-        if (pixel != column) {
-            flush();
-            column = pixel;
-            here = {};
-            points << QPointF(column, pixelY(ys[i]));
-        }
-        here.add(ys[i]);
-        last = ys[i];
-    }
-    flush();
-    return points;
-}
-
 QImage picture(const std::vector<Column>& columns) {
-    QImage image(920, 550, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::white);
-    QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const Range x = rangeOf(columns[0]);
-    Range y;
-    for (std::size_t i = 1; i < 3; ++i) {
-        const Range range = rangeOf(columns[i]);
-        y.add(range.least);
-        y.add(range.greatest);
-    }
-    for (std::size_t i = 1; i < 3; ++i) {
-        painter.setPen(QPen(i == 1 ? Qt::red : Qt::blue, 1));
-        painter.drawPolyline(reduced(columns[0], columns[i], x, y, image.size()));
-    }
-    return image;
+    return plain::picture(columns[0], {columns[1], columns[2]});
 }
 
 } // namespace

@@ -1,4 +1,6 @@
 // How long drawing takes: the reduction alone, and whole curves from columns of doubles to pixels.
+#include "PlainDrawing.h"
+
 #include "Classes/Axes/XAxis.h"
 #include "Classes/PlotView/CurveRenderer.h"
 #include "Classes/PlotView/XPointsLibrary.h"
@@ -94,6 +96,14 @@ void line(benchmark::State& state, const std::string& kind, std::uint64_t rows, 
     renderRepeatedly(state, data, curve);
 }
 
+/// One curve as a plain program draws it.
+void plainLine(benchmark::State& state, const std::string& kind, std::uint64_t rows) {
+    const Signal& data = signal(kind, rows);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(plain::picture(data.table->column(0), {data.table->column(1)}));
+    state.SetItemsProcessed(static_cast<std::int64_t>(rows) * state.iterations());
+}
+
 void shapes(benchmark::State& state, int identifier, int size, float alpha) {
     const Signal& data = signal("unsorted", 50000);
     CurveSnapshot curve = curveOf(data);
@@ -151,7 +161,13 @@ void addAll() {
                     [=](auto& state) { line(state, kind, million, lineWidth, alpha); });
         }
     }
-    add("line 10M/sine/width 1/alpha 1", [](auto& state) { line(state, "sine", 10 * million, 1, 1); });
+    for (const char* kind : {"noise", "walk", "sine"}) {
+        for (const std::uint64_t rows : {million, 10 * million}) {
+            const std::string name = std::to_string(rows / million) + "M/" + kind + "/width 1";
+            add("plain " + name, [=](auto& state) { plainLine(state, kind, rows); });
+            add("beside line " + name, [=](auto& state) { line(state, kind, rows, 1, 1); });
+        }
+    }
     for (const float alpha : {1.0F, 0.5F}) {
         add("line 1M/a gap at every third row/width 1/alpha " + text(alpha),
             [=](auto& state) { line(state, "gaps", million, 1, alpha); });
