@@ -311,10 +311,10 @@ std::optional<PostfixProgram> compiled(ExpressionParser& parser) {
         return {};
     try {
         parser.evaluate(0); // the postfix form comes with the first evaluation
+        return Translation(parser).translated(postfixFormOf(parser.parser()).GetData());
     } catch (const mup::ParserError&) {
         return {};
     } catch (const std::exception&) {
         return {};
     }
-    return Translation(parser).translated(postfixFormOf(parser.parser()).GetData());
 }

@@ -98,7 +98,7 @@ std::optional<RowError> ParserRowEvaluator::evaluate(std::uint64_t firstRow, std
 
 std::unique_ptr<RowEvaluator> makeRowEvaluator(const PreparedExpression& expression,
                                                const XPTableData& table) {
-    if (expression.bareColumn) {
+    if (expression.bareColumn) { // the same program as below, without a parser
         PostfixProgram copy;
         copy.pushColumn(table.column(*expression.bareColumn));
         return std::make_unique<CompiledRowEvaluator>(std::move(copy));

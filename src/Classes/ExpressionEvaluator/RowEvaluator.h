@@ -23,9 +23,9 @@ class RowEvaluator {
                                              const std::stop_token& stop) = 0;
 };
 
-/// A compiled program where there can be one, else the parser. An expression that
-/// cannot be set up makes an evaluator with that error in each row. `table` must outlive it;
-/// `expressionErrors::prepareLibrary` ran before.
+/// A compiled program where there can be one, else the parser. An expression that cannot be set up makes an
+/// evaluator with that error in each row. `table` must outlive it; `expressionErrors::prepareLibrary` ran
+/// before.
 std::unique_ptr<RowEvaluator> makeRowEvaluator(const PreparedExpression& expression,
                                                const XPTableData& table);
 

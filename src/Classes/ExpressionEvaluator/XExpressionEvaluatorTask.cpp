@@ -24,21 +24,20 @@ void XExpressionEvaluatorTask::main() {
         fail(QStringLiteral("The expression is longer than %1 characters.").arg(expressionText::longestText));
         return report(100);
     }
-    const QString text =
-        expressionText::withColumnVariables(m_expression, m_table->columnNames(), stopToken());
-    const auto prepared = expressionText::prepare(text, m_table->columnsNumber());
-    if (!prepared && !isCancelled()) {
-        logMethod("-[XExpressionEvaluatorTask initWithExpression:withData:delegate:]",
-                  QStringLiteral("Couldn't convert expression string to ASCII encoding"));
-        return fail(
-            QStringLiteral("The expression has characters outside of ASCII, beyond names of columns."));
-    }
-    if (prepared && !isCancelled()) {
-        try {
-            evaluate(*prepared);
-        } catch (const std::exception& error) {
-            fail(QString::fromUtf8(expressionErrors::describe(error).reason.c_str()));
+    try {
+        const QString text =
+            expressionText::withColumnVariables(m_expression, m_table->columnNames(), stopToken());
+        const auto prepared = expressionText::prepare(text, m_table->columnsNumber());
+        if (!prepared && !isCancelled()) {
+            logMethod("-[XExpressionEvaluatorTask initWithExpression:withData:delegate:]",
+                      QStringLiteral("Couldn't convert expression string to ASCII encoding"));
+            return fail(
+                QStringLiteral("The expression has characters outside of ASCII, beyond names of columns."));
         }
+        if (prepared && !isCancelled())
+            evaluate(*prepared);
+    } catch (const std::exception& error) {
+        fail(QString::fromUtf8(expressionErrors::describe(error).reason.c_str()));
     }
     report(100);
 }

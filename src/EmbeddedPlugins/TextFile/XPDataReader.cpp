@@ -135,16 +135,21 @@ void XPDataReader::feed(Parser& parser, TableBuilder& builder) {
 
 void XPDataReader::report(std::shared_ptr<XPTableData> table, const QString* errorReason) {
     m_reserve.reset();
+    const auto log = [](const char* text) {
+        try {
+            logMethod("-[XPDataReader startReading]", QString::fromUtf8(text));
+        } catch (const std::bad_alloc&) {
+            // Not even a line in the log can be had.
+        }
+    };
     try {
         if (errorReason != nullptr && m_errorHandler)
             m_errorHandler(*errorReason);
         else if (errorReason == nullptr && m_completionHandler)
             m_completionHandler(std::move(table));
-    } catch (const std::bad_alloc&) {
-        // Not even a line in the log can be had.
     } catch (const std::exception& error) {
-        logMethod("-[XPDataReader startReading]", QString::fromUtf8(error.what()));
+        log(error.what());
     } catch (...) {
-        logMethod("-[XPDataReader startReading]", QStringLiteral("a handler failed"));
+        log("a handler failed");
     }
 }

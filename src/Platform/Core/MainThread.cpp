@@ -11,8 +11,8 @@
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
-#include <deque>
 #include <exception>
+#include <list>
 #include <mutex>
 #include <sys/eventfd.h>
 #include <system_error>
@@ -20,27 +20,27 @@
 #include <unistd.h>
 #include <utility>
 
-namespace {
+struct MainThread::Errand::Piece {
+    /// A worker that waits for its piece; lives on the worker's stack. Guarded by the mailbox's mutex.
+    struct Waiter {
+        bool finished = false;
+        bool ran = false;
+        std::exception_ptr exception;
+    };
 
-using MainThread::Work;
-
-/// A worker that waits for its piece; lives on the worker's stack. Guarded by the mailbox's mutex.
-struct Waiter {
-    bool finished = false;
-    bool ran = false;
-    std::exception_ptr exception;
-};
-
-struct Piece {
     Work work;
     Waiter* waiter = nullptr; ///< null if nobody waits
 };
+
+namespace {
+
+using Piece = MainThread::Errand::Piece;
 
 struct Mailbox {
     std::mutex mutex;
     std::condition_variable arrived;  ///< a piece was handed over
     std::condition_variable finished; ///< a waiter's piece has run or was dropped
-    std::deque<Piece> pieces;
+    std::list<Piece> pieces;
     int wakeUp = -1; ///< the eventfd; readable while there are pieces; -1 while there is no loop
 };
 
@@ -52,11 +52,11 @@ Mailbox& mailbox() {
 
 std::atomic<std::thread::id> mainThreadId{std::this_thread::get_id()};
 
-/// Under the mutex. Does not touch `piece` if there is no loop that could run it.
-bool handOver(Mailbox& box, Piece& piece) {
+/// Under the mutex. Does not touch the one piece in `place` if there is no loop that could run it.
+bool handOver(Mailbox& box, std::list<Piece>& place) {
     if (box.wakeUp < 0)
         return false;
-    box.pieces.push_back(std::move(piece));
+    box.pieces.splice(box.pieces.end(), place);
     eventfd_write(box.wakeUp, 1);
     box.arrived.notify_one();
     return true;
@@ -112,11 +112,22 @@ bool MainThread::isCurrent() {
     return mainThreadId == std::this_thread::get_id();
 }
 
+MainThread::Errand::Errand(Work work) : m_place(std::make_unique<std::list<Piece>>()) {
+    m_place->push_back({std::move(work)});
+}
+
+MainThread::Errand::~Errand() = default;
+MainThread::Errand::Errand(Errand&& other) noexcept = default;
+MainThread::Errand& MainThread::Errand::operator=(Errand&& other) noexcept = default;
+
 void MainThread::perform(Work work) {
+    perform(Errand(std::move(work)));
+}
+
+void MainThread::perform(Errand errand) noexcept {
     Mailbox& box = mailbox();
-    Piece piece{std::move(work)};
     const std::lock_guard lock(box.mutex);
-    handOver(box, piece);
+    handOver(box, *errand.m_place);
 }
 
 bool MainThread::performAndWait(Work work) {
@@ -125,10 +136,11 @@ bool MainThread::performAndWait(Work work) {
         return true;
     }
     Mailbox& box = mailbox();
-    Waiter waiter;
-    Piece piece{std::move(work), &waiter};
+    Piece::Waiter waiter;
+    std::list<Piece> place;
+    place.push_back({std::move(work), &waiter});
     std::unique_lock lock(box.mutex);
-    if (!handOver(box, piece))
+    if (!handOver(box, place))
         return false;
     box.finished.wait(lock, [&] { return waiter.finished; });
     lock.unlock();
@@ -181,7 +193,7 @@ MainThreadLoop::~MainThreadLoop() {
         return;
     m_notifier.reset();
     Mailbox& box = mailbox();
-    std::deque<Piece> dropped;
+    std::list<Piece> dropped;
     {
         const std::lock_guard lock(box.mutex);
         close(std::exchange(box.wakeUp, -1));

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <list>
 #include <memory>
 
 class QSocketNotifier;
@@ -17,6 +18,25 @@ bool isCurrent();
 /// Hands `work` over and returns at once. From the main thread itself, too, it runs later, from the event
 /// loop. Work that arrives after the loop ended is dropped (destroyed on the caller's thread).
 void perform(Work work);
+
+/// Work that already has its place among what is handed over.
+class Errand {
+  public:
+    explicit Errand(Work work);
+    ~Errand();
+    Errand(Errand&& other) noexcept;
+    Errand& operator=(Errand&& other) noexcept;
+
+    struct Piece;
+
+  private:
+    friend void perform(Errand errand) noexcept;
+
+    std::unique_ptr<std::list<Piece>> m_place; ///< of one piece
+};
+
+/// As above; needs no memory. For workers that must hand over whatever happened to them.
+void perform(Errand errand) noexcept;
 
 /// Hands `work` over and waits until it has run; on the main thread it runs at once. Returns whether it ran:
 /// when the program shuts down, waiting ends at once and the work is dropped. An exception that the work

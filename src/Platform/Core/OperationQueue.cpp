@@ -2,7 +2,6 @@
 #include "Platform/Core/OperationQueue.h"
 
 #include "Platform/Core/Log.h"
-#include "Platform/Core/MainThread.h"
 
 #include <algorithm>
 #include <exception>
@@ -12,9 +11,9 @@
 
 namespace {
 
-void logFault(const QString& text) {
+void logFault(const char* text) {
     try {
-        logMethod("-[Operation main]", text);
+        logMethod("-[Operation main]", QString::fromUtf8(text));
     } catch (const std::bad_alloc&) {
         // Not even a line in the log can be had.
     }
@@ -24,11 +23,11 @@ void runGuarded(Operation& operation) {
     try {
         operation.main();
     } catch (const std::bad_alloc&) {
-        logFault(QStringLiteral("not enough memory"));
+        logFault("not enough memory");
     } catch (const std::exception& exception) {
-        logFault(QString::fromUtf8(exception.what()));
+        logFault(exception.what());
     } catch (...) {
-        logFault(QStringLiteral("unknown exception"));
+        logFault("unknown exception");
     }
 }
 
@@ -69,14 +68,19 @@ void OperationQueue::enqueue(std::shared_ptr<Operation> operation) {
     const std::size_t idleThreads = m_liveThreads - m_busyThreads;
     if (m_waiting.size() >= idleThreads && m_threads.size() < m_maxThreads)
         startThread();
-    m_waiting.push_back(operation);
-    m_listed.push_back(std::move(operation));
+    m_waiting.push_back({operation, MainThread::Errand([operation] {})});
+    try {
+        m_listed.push_back(std::move(operation));
+    } catch (...) {
+        m_waiting.pop_back();
+        throw;
+    }
     m_changed.notify_one();
 }
 
 void OperationQueue::startThread() {
     try {
-        m_threads.emplace_back([this] { work(); });
+        m_threads.emplace_back(&OperationQueue::work, this, MainThread::Errand([] {}));
         ++m_liveThreads;
     } catch (const std::system_error&) {
         if (m_threads.empty())
@@ -101,27 +105,28 @@ std::size_t OperationQueue::operationCount() const {
     return m_listed.size();
 }
 
-void OperationQueue::work() {
+void OperationQueue::work(MainThread::Errand wakeUp) {
     std::unique_lock lock(m_mutex);
     while (true) {
         m_changed.wait(lock, [this] { return m_ending || !m_waiting.empty(); });
         if (m_waiting.empty())
             break;
-        std::shared_ptr<Operation> operation = std::move(m_waiting.front());
+        Waiting next = std::move(m_waiting.front());
         m_waiting.pop_front();
         ++m_busyThreads;
         lock.unlock();
 
-        runGuarded(*operation);
+        runGuarded(*next.operation);
 
         lock.lock();
         --m_busyThreads;
-        std::erase(m_listed, operation);
+        std::erase(m_listed, next.operation);
         lock.unlock();
-        MainThread::perform([operation = std::move(operation)] {});
+        next.operation.reset();
+        MainThread::perform(std::move(next.release));
         lock.lock();
     }
     --m_liveThreads;
     lock.unlock();
-    MainThread::perform([] {}); // the destructor asks again
+    MainThread::perform(std::move(wakeUp)); // the destructor asks again
 }

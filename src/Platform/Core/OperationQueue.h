@@ -1,6 +1,8 @@
 // A queue of background operations on threads of its own, at most n at once.
 #pragma once
 
+#include "Platform/Core/MainThread.h"
+
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
@@ -43,7 +45,8 @@ class OperationQueue {
     OperationQueue(const OperationQueue&) = delete;
     OperationQueue& operator=(const OperationQueue&) = delete;
 
-    /// Throws std::system_error, with nothing added, when the system has no thread for the first operation.
+    /// Throws, with nothing added: std::system_error when the system has no thread for the first operation,
+    /// std::bad_alloc without memory.
     void add(std::shared_ptr<Operation> operation);
     /// Adds what `decide` returns, which sees the listed operations under the queue's lock and may cancel
     /// some of them; null adds nothing. `decide` must not call the queue. Throws as `add` does.
@@ -58,16 +61,22 @@ class OperationQueue {
   private:
     using Operations = std::vector<std::shared_ptr<Operation>>;
 
+    struct Waiting {
+        std::shared_ptr<Operation> operation;
+        MainThread::Errand release; ///< on the main thread
+    };
+
     void enqueue(std::shared_ptr<Operation> operation); ///< under the lock
     void startThread();
-    void work();
+    /// On a thread of the queue; `wakeUp` is the last that it hands over.
+    void work(MainThread::Errand wakeUp);
 
     const std::size_t m_maxThreads;
     mutable std::mutex m_mutex;
-    std::condition_variable m_changed;                ///< there is something to run, or the queue ends
-    Operations m_listed;                              ///< all, in the order they were added
-    std::deque<std::shared_ptr<Operation>> m_waiting; ///< those that have not started
-    std::vector<std::thread> m_threads;               ///< started on demand, at most m_maxThreads
+    std::condition_variable m_changed;  ///< there is something to run, or the queue ends
+    Operations m_listed;                ///< all, in the order they were added
+    std::deque<Waiting> m_waiting;      ///< those that have not started
+    std::vector<std::thread> m_threads; ///< started on demand, at most m_maxThreads
     std::size_t m_busyThreads = 0;
     std::size_t m_liveThreads = 0;
     bool m_ending = false;
