@@ -4,11 +4,10 @@
 #include "Classes/Recovery/DocumentSafety.h"
 #include "Classes/Recovery/RecoveryOffer.h"
 
-#include <QRandomGenerator>
+#include <QSignalSpy>
 
 #include <csignal>
 #include <sys/stat.h>
-#include <sys/wait.h>
 
 using namespace Qt::StringLiterals;
 using support::ScratchFolder;
@@ -16,7 +15,13 @@ using support::waitUntil;
 
 namespace {
 
-using RecoveryTest = RecoveryFixture;
+class RecoveryTest : public RecoveryFixture {
+  protected:
+    static void look(RecoveryOffer& offer, MoxDocumentWindow& window) {
+        offer.ask(window);
+        MainThread::runUntil([&] { return !offer.isLooking(); });
+    }
+};
 
 class LeftFiles : public RecoveryFixture {
   protected:
@@ -76,37 +81,6 @@ TEST_F(LeftFiles, ofInterruptedWritesGoAfterAWhile) {
     EXPECT_EQ(QDir(autosaves()).entryList(QDir::Files | QDir::Hidden), QStringList{u".velquin-2"_qs});
 }
 
-/// A child that writes for ever until it is killed: after a few whole writes, somewhere in the next.
-TEST_F(LeftFiles, ofAProgramThatWasKilledWhileItWroteAreTheOldOrTheNew) {
-    const auto recordOf = [](int number) {
-        AutosaveRecord record{};
-        record.document.plist = {{u"Text"_qs, QString(1 << 18, QChar(u'a' + number % 2))}};
-        record.savedAt = record.document.editedSince = QDateTime::currentDateTime();
-        return PropertyList::writeXml(record.toPlist());
-    };
-    const QByteArray contents[] = {recordOf(0), recordOf(1)};
-    for (int round = 0; round < 5; ++round) {
-        AutosaveFile file(autosaves());
-        const pid_t writer = ::fork();
-        ASSERT_GE(writer, 0);
-        if (writer == 0) {
-            for (int i = 0;; ++i)
-                file.write(contents[i % 2]);
-        }
-        const auto isThere = [&] { return QFile::exists(file.path()); };
-        EXPECT_TRUE(waitUntil(isThere) &&
-                    waitUntil([&] { return QRandomGenerator::global()->bounded(8) == 0; }));
-        EXPECT_EQ(taken(), 0U) << "the child lives";
-        ASSERT_EQ(::kill(writer, SIGKILL), 0);
-        ASSERT_EQ(::waitpid(writer, nullptr, 0), writer);
-        const QByteArray left = ScratchFolder::read(file.path());
-        EXPECT_TRUE(left == contents[0] || left == contents[1]) << left.size();
-        const auto offered = AutosaveFolder::takeLeft(autosaves());
-        ASSERT_EQ(offered.size(), 1U);
-        offered[0].file->remove();
-    }
-}
-
 struct RecoverRow {
     const char* name;
     bool hasFile;
@@ -161,7 +135,7 @@ TEST_F(RecoveryTest, bringsTheDocumentBackAsItWas) {
 
         alerts.messages.clear();
         alerts.plan = {0};
-        offer.ask(first);
+        look(offer, first);
         EXPECT_EQ(alerts.messages, QStringList{u"Velquin ended unexpectedly."_qs});
         EXPECT_TRUE(alerts.reason.contains(u'“' + title.section(u"[*]"_qs, 0, 0) + u'”'))
             << alerts.reason.toStdString();
@@ -196,15 +170,33 @@ TEST_F(RecoveryTest, asksAgainLaterAndBeforeAnythingIsThrownAway) {
     const QString ended = u"Velquin ended unexpectedly."_qs;
     const QString sure = u"Discard the kept changes to 2 documents?"_qs;
     alerts.plan = {2}; // "Later"
-    offer.ask(window);
+    look(offer, window);
     EXPECT_EQ(names().size(), 2);
     alerts.plan = {1, 0, 1, 1}; // "Discard…", "Cancel"; "Discard…", "Discard"
-    offer.ask(window);
+    look(offer, window);
     EXPECT_EQ(alerts.messages, (QStringList{ended, ended, sure, ended, sure}));
     EXPECT_TRUE(names().isEmpty());
-    offer.ask(window);
+    look(offer, window);
     EXPECT_EQ(alerts.messages.size(), 5) << "nothing is left";
     EXPECT_TRUE(window.isUntouched());
+}
+
+TEST_F(RecoveryTest, asksOverAnotherWindowOrTellsThatThereIsNone) {
+    windowWith({u"1"_qs});
+    ASSERT_TRUE(waitForFiles(1));
+    MoxDocumentWindow* window = &crash();
+    RecoveryOffer offer(documents, *controller, autosaves());
+    const QSignalSpy foundNobody(&offer, &RecoveryOffer::foundNobody);
+    for (const bool isAlone : {true, false}) {
+        if (!isAlone)
+            newWindow();
+        offer.ask(*window);
+        window->closeNow(); // while it looks
+        MainThread::runUntil([&] { return !offer.isLooking(); });
+        EXPECT_EQ(foundNobody.size(), 1);
+        EXPECT_EQ(alerts.messages.size(), isAlone ? 0 : 1);
+        window = &newWindow();
+    }
 }
 
 TEST_F(RecoveryTest, keepsADamagedDocumentAsideAndOpensTheOthers) {
@@ -218,7 +210,7 @@ TEST_F(RecoveryTest, keepsADamagedDocumentAsideAndOpensTheOthers) {
     MoxDocumentWindow& window = crash();
     const support::AssertionRecorder assertions;
     alerts.plan = {0, 0};
-    offer.ask(window);
+    look(offer, window);
     EXPECT_EQ(alerts.messages.value(1), u"“Bad name” cannot be recovered."_qs);
     EXPECT_TRUE(alerts.reason.contains(u"x.autosave.damaged"_qs)) << alerts.reason.toStdString();
     EXPECT_EQ(names("*.damaged"), QStringList{u"x.autosave.damaged"_qs});

@@ -12,6 +12,7 @@
 #include <QPointer>
 
 #include <algorithm>
+#include <system_error>
 #include <utility>
 
 namespace {
@@ -150,13 +151,18 @@ void AutosaveController::enqueue(const std::shared_ptr<AutosaveFile>& file,
             if (self != nullptr)
                 self->wasWritten(file, failure);
         });
-    m_queue.addUnderLock([&](std::span<const std::shared_ptr<Operation>> listed) {
+    const auto inPlaceOfEarlierOnes = [&](std::span<const std::shared_ptr<Operation>> listed) {
         for (const auto& earlier : listed) {
             if (static_cast<AutosaveOperation&>(*earlier).concerns(file))
                 earlier->cancel();
         }
         return std::move(operation);
-    });
+    };
+    try {
+        m_queue.addUnderLock(inPlaceOfEarlierOnes);
+    } catch (const std::system_error& failure) { // no thread
+        wasWritten(file, QString::fromLocal8Bit(failure.code().message().c_str()));
+    }
 }
 
 /// A failure is told once, in the status line: whoever edits on a full disk has other alerts to answer.

@@ -27,7 +27,7 @@ std::optional<QString> make(const QString& folder);
 
 /// Takes hold of what others left, the latest first, at most a hundred. What is no autosave of this user is
 /// logged and set aside; what a living program holds, or a later version wrote, is passed over. Removes the
-/// leftovers of interrupted writes.
+/// leftovers of interrupted writes. Any thread; reads up to half a gigabyte.
 std::vector<LeftAutosave> takeLeft(const QString& path);
 
 } // namespace AutosaveFolder

@@ -33,6 +33,7 @@ DocumentSafety::DocumentSafety(DocumentController& documents, const QString& fol
     : m_documents(documents), m_autosaves(documents, folder, intervals),
       m_recovery(documents, m_autosaves, folder) {
     connect(&documents, &DocumentController::documentShown, this, &DocumentSafety::firstDocumentShown);
+    connect(&m_recovery, &RecoveryOffer::foundNobody, this, [this] { m_isOffered = false; });
     connect(&m_signals, &EndSignals::endRequested, this, &DocumentSafety::end);
     // The session may yet go on: somebody else can hold it up.
     const auto keepChanges = [this](QSessionManager& session) {

@@ -6,9 +6,12 @@
 #include "Classes/WindowControllers/MoxDocumentWindow.h"
 #include "MoxDocument.h"
 #include "Platform/Core/Log.h"
+#include "Platform/Core/MainThread.h"
 #include "Platform/Widgets/Alerts.h"
 
 #include <algorithm>
+#include <functional>
+#include <system_error>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -30,15 +33,43 @@ QString namesOf(const std::vector<LeftAutosave>& left) {
     return lines.join(u'\n');
 }
 
+class Looking : public Operation {
+  public:
+    using Found = std::function<void(std::vector<LeftAutosave> left)>;
+
+    Looking(QString folder, Found found) : m_folder(std::move(folder)), m_found(std::move(found)) {}
+
+    void main() override {
+        auto left = std::make_shared<std::vector<LeftAutosave>>(AutosaveFolder::takeLeft(m_folder));
+        MainThread::perform([found = m_found, left] { found(std::move(*left)); });
+    }
+
+  private:
+    const QString m_folder;
+    const Found m_found;
+};
+
 } // namespace
 
 RecoveryOffer::RecoveryOffer(DocumentController& documents, AutosaveController& autosaves, QString folder)
     : m_documents(documents), m_autosaves(autosaves), m_folder(std::move(folder)) {}
 
 void RecoveryOffer::ask(MoxDocumentWindow& over) {
-    const auto left = std::make_shared<std::vector<LeftAutosave>>(AutosaveFolder::takeLeft(m_folder));
-    if (!left->empty())
-        ask(over, left);
+    const auto found = [self = QPointer(this), near = QPointer(&over)](std::vector<LeftAutosave> left) {
+        if (self == nullptr || left.empty())
+            return;
+        MoxDocumentWindow* window =
+            near != nullptr && near->isVisible() ? near.data() : self->m_documents.mainWindow();
+        if (window == nullptr)
+            Q_EMIT self->foundNobody();
+        else
+            self->ask(*window, std::make_shared<std::vector<LeftAutosave>>(std::move(left)));
+    };
+    try {
+        m_queue.add(std::make_shared<Looking>(m_folder, found));
+    } catch (const std::system_error& failure) { // no thread: what was left stays for another start
+        qCWarning(velquinLog, "autosaves in %s: %s", qUtf8Printable(m_folder), failure.what());
+    }
 }
 
 void RecoveryOffer::ask(MoxDocumentWindow& over, const Left& left) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Classes/Recovery/AutosaveFolder.h"
+#include "Platform/Core/OperationQueue.h"
 
 #include <QObject>
 #include <QPointer>
@@ -21,8 +22,14 @@ class RecoveryOffer : public QObject {
   public:
     RecoveryOffer(DocumentController& documents, AutosaveController& autosaves, QString folder);
 
-    /// Asks over that window if something was left. What is not decided stays for the next start.
+    /// Looks in the background whether something was left, and if so asks: over that window, or another if it
+    /// went meanwhile. What is not decided stays for the next start.
     void ask(MoxDocumentWindow& over);
+    bool isLooking() const { return !m_queue.isIdle(); }
+
+  Q_SIGNALS:
+    /// Something was left, but no window is there any more to ask over.
+    void foundNobody();
 
   private:
     using Left = std::shared_ptr<std::vector<LeftAutosave>>; ///< held until the answer is there
@@ -36,4 +43,5 @@ class RecoveryOffer : public QObject {
     DocumentController& m_documents;
     AutosaveController& m_autosaves;
     const QString m_folder;
+    OperationQueue m_queue{1}; ///< last: what it hands over is for this object
 };
