@@ -249,6 +249,18 @@ TEST(XPTextFile, StaysCleanWhenCleanedInTheMiddleOfARead) {
     dropped.reset();
 }
 
+TEST(XPTextFile, GoesBeforeTheReadThatWasAskedForBegins) {
+    auto source = std::make_unique<XPTextFile>();
+    auto table = std::make_shared<XPTableData>();
+    table->writeNullAtColRow(0, 1 << 20); // so large that a thread gives it back
+    const std::weak_ptr<XPTableData> released = table;
+    source->setData(std::exchange(table, nullptr));
+    source->setData(nullptr);
+    source->read();
+    source.reset();
+    EXPECT_TRUE(support::waitUntil([&] { return released.expired(); }));
+}
+
 TEST(XPTextEditor, ReadsItsText) {
     XPTextEditor source;
     EXPECT_EQ(source.title(), QStringLiteral("Editor"));

@@ -99,7 +99,11 @@ XPTextFile::XPTextFile(QObject* parent)
     connect(&m_progressTimer, &QTimer::timeout, this, [this] { announce("progress", {}, progress()); });
 }
 
-XPTextFile::~XPTextFile() = default;
+/// The end of a queue serves what waits for the main thread, such as the start of a read: it comes when
+/// nothing of this object is left that could be found.
+XPTextFile::~XPTextFile() {
+    MainThread::perform([disposal = std::move(m_disposal)] {});
+}
 
 void XPTextFile::setConfigViewMaker(ConfigViewMaker maker) {
     fileViewMaker() = std::move(maker);
@@ -352,7 +356,7 @@ void XPTextFile::setData(XTable table) {
 
 void XPTextFile::letGoOf(XTable table) {
     try {
-        m_disposal.add(std::make_shared<TableRelease>(std::move(table)));
+        m_disposal->add(std::make_shared<TableRelease>(std::move(table)));
     } catch (const std::system_error&) {
         // The system has no thread left: the table went here, with the operation that holds it.
     }

@@ -136,8 +136,9 @@ class XPTextFile : public XDataSourceProtocol {
     QTimer m_progressTimer;
     mutable std::mutex m_tableMutex;
     XTable m_data;
-    mutable QStringList m_columnNames;      ///< made when asked for; empty means not made
-    OperationQueue m_disposal{1};           ///< lets go of tables that nobody reads any more
+    mutable QStringList m_columnNames; ///< made when asked for; empty means not made
+    /// Lets go of tables that nobody reads any more.
+    std::shared_ptr<OperationQueue> m_disposal = std::make_shared<OperationQueue>(1);
     std::unique_ptr<Follower> m_follower;   ///< of the file on the disk
     std::unique_ptr<XPDataReader> m_reader; ///< last, so that its thread ends first
 };
