@@ -9,6 +9,7 @@ velquin_library(core
     Core/ColorName.h
     Core/LegendPlacement.h
     Core/NewCurveColor.h
+    Core/MissingValue.h
     Core/NumberText.h
     Core/PixelMath.h
     Core/PolylineCompressor.h

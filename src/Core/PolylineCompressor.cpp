@@ -179,7 +179,9 @@ inline bool PolylineCompressor::takeBlock(const float* x, const float* y, std::i
         truncatedPixel(left) != m_lastPixelX || truncatedPixel(right) != m_lastPixelX)
         return false;
     const auto pointAt = [=](std::size_t i) {
-        return PlotPoint{index + static_cast<std::int32_t>(i), x[i], y[i]};
+        return PlotPoint{
+            static_cast<std::int32_t>(static_cast<std::uint32_t>(index) + static_cast<std::uint32_t>(i)),
+            x[i], y[i]};
     };
     const auto pointWith = [&](const float* values, float value) {
         return pointAt(static_cast<std::size_t>(std::find(values, values + blockLength, value) - values));

@@ -9,7 +9,7 @@
 
 /// A point of the reduced line.
 struct PlotPoint {
-    std::int32_t index; ///< row of the point, modulo 2^32; -1 for none
+    std::int32_t index; ///< number of the point among those added, modulo 2^32; -1 for none
     float x;            ///< pixels
     float y;            ///< pixels
 };

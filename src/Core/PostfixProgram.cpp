@@ -1,16 +1,16 @@
 // Builds a postfix program and runs blocks of rows through it.
 #include "Core/PostfixProgram.h"
 
+#include "Core/MissingValue.h"
+
 #include <algorithm>
-#include <limits>
 
 namespace {
 
 void fillWithColumn(std::span<double> block, std::span<const double> column, std::uint64_t firstRow) {
     const std::size_t start = std::min<std::uint64_t>(firstRow, column.size());
     const auto copied = column.subspan(start, std::min(block.size(), column.size() - start));
-    std::fill(std::copy(copied.begin(), copied.end(), block.begin()), block.end(),
-              std::numeric_limits<double>::quiet_NaN());
+    std::fill(std::copy(copied.begin(), copied.end(), block.begin()), block.end(), missing);
 }
 
 void fillWithRowNumbers(std::span<double> block, std::uint64_t firstRow) {

@@ -2,13 +2,12 @@
 #include "Core/SignalFilters.h"
 
 #include "Core/Assertions.h"
+#include "Core/MissingValue.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace {
-
-constexpr double missing = std::numeric_limits<double>::quiet_NaN();
 
 /// Also false for NaN.
 bool isWeight(double a) {

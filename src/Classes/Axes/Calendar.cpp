@@ -7,7 +7,6 @@
 
 namespace {
 
-constexpr std::int64_t secondsPerDay = 86400;
 constexpr std::int64_t secondsPer400Years = daysPer400Years * secondsPerDay;
 // No zone is further from UTC, whichever side of the date line it is on.
 constexpr std::int64_t farthestOffset = 26LL * 3600;

@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <functional>
 
+constexpr std::int64_t secondsPerDay = 86400;
+
 /// Local date and time, or a calendar step of so many of each unit.
 struct CalendarComponents {
     std::int64_t year = 0;

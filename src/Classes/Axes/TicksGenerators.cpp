@@ -9,8 +9,7 @@
 
 namespace {
 
-constexpr double dayLength = 86400;
-constexpr double yearLength = 365 * dayLength;
+constexpr double secondsPerYear = 365 * secondsPerDay;
 
 constexpr TimeTickStep minuteSteps[] = {{120, 1, 60},   {300, 2, 60},    {600, 5, 60},
                                         {900, 10, 300}, {1800, 15, 300}, {anyDuration, 30, 600}};
@@ -33,10 +32,10 @@ struct FixedDays {
     double secondaryTickDelta;
 };
 const FixedDays fixedDaySteps[] = {{172800, {}, 0},
-                                   {432000, everyOtherDay, dayLength},
-                                   {864000, everyFifthDay, dayLength},
-                                   {1296000, everyTenthDay, dayLength},
-                                   {anyDuration, middleOfMonth, 5 * dayLength}};
+                                   {432000, everyOtherDay, secondsPerDay},
+                                   {864000, everyFifthDay, secondsPerDay},
+                                   {1296000, everyTenthDay, secondsPerDay},
+                                   {anyDuration, middleOfMonth, 5 * secondsPerDay}};
 
 void clearTimeOfDay(CalendarComponents& date) {
     date.hour = 0;
@@ -59,9 +58,9 @@ struct GeneratorChoice {
     std::vector<XAxisTick> (*marks)(const TimeScale&, const Calendar&);
     double tickTitleOffset;
 };
-constexpr GeneratorChoice choices[] = {{yearLength, marksOf<XYearTicksGenerator>, 15439500},
-                                       {30 * dayLength, marksOf<XMonthTicksGenerator>, 1269000},
-                                       {dayLength, marksOf<XDayTicksGenerator>, 43200},
+constexpr GeneratorChoice choices[] = {{secondsPerYear, marksOf<XYearTicksGenerator>, 15439500},
+                                       {30 * secondsPerDay, marksOf<XMonthTicksGenerator>, 1269000},
+                                       {secondsPerDay, marksOf<XDayTicksGenerator>, 43200},
                                        {3600, marksOf<XHourTicksGenerator>, 0},
                                        {60, marksOf<XMinuteTicksGenerator>, 0}};
 
@@ -148,20 +147,20 @@ void XYearTicksGenerator::calculateDeltas() {
     currentDateComponents.day = 1;
     currentDateComponents.month = 1;
     // The calendar's reach keeps this far within 64 bits.
-    const double power = std::trunc(std::log10(scale.tickDuration / yearLength));
+    const double power = std::trunc(std::log10(scale.tickDuration / secondsPerYear));
     auto years = static_cast<std::int64_t>(std::pow(10, std::clamp(power, 0.0, 15.0)));
     const auto count = static_cast<double>(years);
     const double pixelsPerSecond = 120 / scale.tickDuration;
     double minorYears = years < 10 ? 0.25 : count / 10;
     std::int64_t start = years;
-    if (std::trunc(count * yearLength * pixelsPerSecond) < 60) {
+    if (std::trunc(count * secondsPerYear * pixelsPerSecond) < 60) {
         minorYears = count;
         start = 10 * years;
         years *= 5;
     }
     currentDateComponents.year = roundedDown(currentDateComponents.year, start);
     tickDeltaComponents.year = years;
-    secondaryTickDelta = minorYears * yearLength;
+    secondaryTickDelta = minorYears * secondsPerYear;
 }
 
 std::vector<XAxisTick> XMillisecondTicksGenerator::getTicks() {

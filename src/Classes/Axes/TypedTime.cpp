@@ -19,7 +19,6 @@ namespace {
 constexpr qsizetype longestText = 100;
 constexpr int decimals = 6;
 constexpr double perSecond = 1e6;
-constexpr qint64 dayInSeconds = 86400;
 
 struct TimeOfDay {
     double seconds = 0;
@@ -166,7 +165,7 @@ std::optional<double> TypedTime::value(const QString& text, const Calendar& cale
     const double whole = std::floor(time.seconds);
     const auto second = static_cast<std::int64_t>(whole);
     const std::int64_t instant =
-        time.utcOffset ? QDate(1970, 1, 1).daysTo(date) * dayInSeconds + second - *time.utcOffset
+        time.utcOffset ? QDate(1970, 1, 1).daysTo(date) * secondsPerDay + second - *time.utcOffset
                        : calendar.instantOf({date.year(), date.month(), date.day(), 0, 0, second});
     return static_cast<double>(instant) + (time.seconds - whole);
 }

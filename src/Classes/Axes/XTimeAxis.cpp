@@ -14,7 +14,7 @@ namespace {
 
 constexpr double minute = 60;
 constexpr double hour = 3600;
-constexpr double day = 86400;
+constexpr double day = secondsPerDay;
 constexpr double month = 30 * day;
 constexpr double year = 365 * day;
 constexpr std::size_t maxBands = XTicksGenerator::maxMarks;

@@ -3,6 +3,7 @@
 #include "Classes/ExpressionEvaluator/EvaluatorFunctions.h"
 
 #include "Core/CalendarFields.h"
+#include "Core/MissingValue.h"
 #include "Core/SignalFilters.h"
 
 #include <muparserx/mpOprtPostfixCommon.h>
@@ -16,7 +17,6 @@
 
 namespace {
 
-constexpr double noValue = std::numeric_limits<double>::quiet_NaN();
 constexpr int anyNumber = -1; // of arguments
 
 class Arguments {
@@ -145,7 +145,7 @@ class FN_FIR_Filter final : public EvaluatorFunction<FN_FIR_Filter> {
 
     double value(const Arguments& arguments) {
         if (arguments.count() < 2)
-            return noValue;
+            return missing;
         m_coefficients.clear();
         for (int i = 1; i < arguments.count(); ++i)
             m_coefficients.push_back(arguments.number(i));
@@ -239,13 +239,13 @@ class FN_mktimestamp final : public EvaluatorFunction<FN_mktimestamp> {
         int fields[5];
         for (int i = 0; i < 6; ++i) {
             if (std::isnan(arguments.number(i)))
-                return noValue;
+                return missing;
         }
         for (int i = 0; i < 5; ++i) {
             const std::int64_t field = arguments.whole(i);
             fields[i] = static_cast<int>(field);
             if (fields[i] != field)
-                return noValue;
+                return missing;
         }
         return startOf({.year = fields[0],
                         .month = fields[1],

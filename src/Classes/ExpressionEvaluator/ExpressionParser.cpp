@@ -3,17 +3,13 @@
 
 #include "Classes/ExpressionEvaluator/EvaluatorFunctions.h"
 #include "Classes/ExpressionEvaluator/ExpressionText.h"
+#include "Core/MissingValue.h"
 #include "EmbeddedPlugins/Common/XPTableData.h"
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
-namespace {
-
-constexpr double notInTable = std::numeric_limits<double>::quiet_NaN();
-
-} // namespace
+namespace {} // namespace
 
 /// Assigning a variable costs as much as an operation, so that those it cannot use are not even made.
 ExpressionParser::ExpressionParser(const PreparedExpression& expression, const XPTableData& table)
@@ -33,7 +29,7 @@ ExpressionParser::ExpressionParser(const PreparedExpression& expression, const X
             define("row", {});
         for (const std::uint64_t column : expression.columns)
             define(std::string(1, 'c').append(std::to_string(column + 1)), {table.column(column)});
-        m_parser.DefineConst("nan", mup::Value(notInTable));
+        m_parser.DefineConst("nan", mup::Value(missing));
     } catch (mup::ParserError& error) {
         m_setUpError = expressionErrors::describe(error);
         m_setUpError->endsEvaluation = true;
@@ -51,7 +47,7 @@ const mup::IValue& ExpressionParser::evaluate(std::uint64_t row) {
         if (!source.column)
             *cell = static_cast<mup::int_type>(row);
         else
-            *cell = row < source.column->size() ? (*source.column)[row] : notInTable;
+            *cell = row < source.column->size() ? (*source.column)[row] : missing;
     }
     return m_parser.Eval();
 }

@@ -4,18 +4,16 @@
 #include "Classes/ExpressionEvaluator/ExpressionCompiler.h"
 #include "Classes/ExpressionEvaluator/ExpressionParser.h"
 #include "Classes/ExpressionEvaluator/ExpressionText.h"
+#include "Core/MissingValue.h"
 #include "EmbeddedPlugins/Common/XPTableData.h"
 
 #include <muparserx/mpParser.h>
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 #include <vector>
 
 namespace {
-
-constexpr double missing = std::numeric_limits<double>::quiet_NaN();
 
 /// Looks for a stop before each block of rows, some microseconds' work.
 class CompiledRowEvaluator final : public RowEvaluator {

@@ -13,10 +13,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString exportText(const char* text) {
-    return QCoreApplication::translate("ExportPicture", text);
-}
-
 void takeSide(const char* key, int& side) {
     const int stored = UserDefaults::standard().integer(QLatin1String(key));
     if (stored >= ExportChoices::leastSide && stored <= ExportChoices::greatestSide)
@@ -78,10 +74,10 @@ QString exportSideFault(const QString& text, double scale) {
     const QLocale locale(QLocale::English);
     const std::optional<int> side = exportSide(text);
     if (!side)
-        return exportText("A whole number from %1 to %2")
+        return ExportPicture::tr("A whole number from %1 to %2")
             .arg(locale.toString(ExportChoices::leastSide), locale.toString(ExportChoices::greatestSide));
     if (*side * scale > ExportChoices::greatestPixels)
-        return exportText("At this scale the picture would have more than %1 pixels a side")
+        return ExportPicture::tr("At this scale the picture would have more than %1 pixels a side")
             .arg(locale.toString(ExportChoices::greatestPixels));
     return {};
 }

@@ -3,7 +3,14 @@
 
 #include "Classes/PlotView/PlotPicture.h"
 
+#include <QCoreApplication>
+
 #include <optional>
+
+/// The context of the texts about exporting.
+struct ExportPicture {
+    Q_DECLARE_TR_FUNCTIONS(ExportPicture)
+};
 
 struct ExportChoices {
     static constexpr int leastSide = 16; ///< of a picture, in points

@@ -20,10 +20,6 @@ constexpr double smallSample = 1e6;
 constexpr double largeSample = 4e6;
 constexpr int finer = 2; ///< a preview is drawn so much larger and scaled down, which keeps its text readable
 
-QString failureText(const char* text) {
-    return QCoreApplication::translate("ExportPicture", text);
-}
-
 /// Takes no more once it was stopped, which ends the encoders.
 class StoppableBuffer : public QBuffer {
   public:
@@ -58,7 +54,7 @@ double areaOf(const RecordedPicture& picture) {
 
 /// Curve and image of it: two pictures in memory at once.
 QString noMemory() {
-    return failureText("There is no memory for a picture of this size.");
+    return ExportPicture::tr("There is no memory for a picture of this size.");
 }
 
 bool fitsIntoMemory(const RecordedPicture& picture) {
@@ -125,7 +121,7 @@ std::optional<QString> PictureWork::write(const RecordedPicture& picture, const 
     if (const auto* failure = std::get_if<QString>(&bytes))
         return *failure;
     if (stop.stop_requested())
-        return failureText("It was cancelled.");
+        return ExportPicture::tr("It was cancelled.");
     const PlacedFile::Result result = PlacedFile::write(path, std::get<QByteArray>(bytes));
     return result.isWritten() ? std::nullopt : std::optional(result.reason);
 }

@@ -2,6 +2,7 @@
 #include "EmbeddedPlugins/Common/XPTableData.h"
 
 #include "Core/Assertions.h"
+#include "Core/MissingValue.h"
 
 #include <algorithm>
 #include <array>
@@ -12,7 +13,6 @@
 
 namespace {
 
-constexpr double missingValue = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double greatestFinite = std::numeric_limits<double>::max();
 
@@ -105,7 +105,7 @@ void XPTableData::addBytesBeside(std::uint64_t bytes) {
 }
 
 void XPTableData::writeNullAtColRow(std::uint64_t col, std::uint64_t row) {
-    writeValueAtColRow(missingValue, col, row);
+    writeValueAtColRow(missing, col, row);
 }
 
 std::uint64_t XPTableData::columnsNumber() const {
@@ -176,7 +176,7 @@ bool XPTableData::resizeColumns(std::uint64_t columns, std::uint64_t rowCapacity
             static_cast<double*>(std::malloc(m_rowsAllocated * sizeof(double)))); // NOLINT(*-no-malloc)
         if (column == nullptr)
             return false;
-        std::fill_n(column.get(), m_rowsFilled, missingValue);
+        std::fill_n(column.get(), m_rowsFilled, missing);
         m_columns.push_back(std::move(column));
     }
     return true;
@@ -185,7 +185,7 @@ bool XPTableData::resizeColumns(std::uint64_t columns, std::uint64_t rowCapacity
 void XPTableData::fillRowsUpTo(std::uint64_t row) {
     const std::uint64_t end = std::min(m_rowsAllocated, (row / fillBlock + 1) * fillBlock);
     for (const Column& column : m_columns)
-        std::fill(column.get() + m_rowsFilled, column.get() + end, missingValue);
+        std::fill(column.get() + m_rowsFilled, column.get() + end, missing);
     m_rowsFilled = end;
 }
 
