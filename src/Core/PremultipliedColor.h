@@ -19,8 +19,6 @@ CoverageRamp coverageRamp(double red, double green, double blue, double alpha);
 
 /// The pixel `color` over the pixel `below`, both premultiplied; each component rounded.
 inline std::uint32_t composed(std::uint32_t color, std::uint32_t below) {
-    if (below == 0)
-        return color;
     const std::uint32_t rest = 255 - (color >> 24U);
     const auto attenuated = [rest](std::uint32_t twoComponents) {
         const std::uint32_t scaled = (twoComponents & 0x00ff00ffU) * rest + 0x00800080U;

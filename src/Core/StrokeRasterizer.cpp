@@ -371,7 +371,9 @@ void StrokeRasterizer::paintColumn(int column, PixelGrid image, const CoverageRa
         const auto level = static_cast<std::size_t>(std::clamp(coverage * 255 + 0.5, 0.0, 255.0));
         if (level == 0)
             continue;
-        *pixel = composed(colors[level], *pixel);
+        // Mostly nothing is below, which saves the arithmetic. Shapes cannot foretell it and are faster
+        // without.
+        *pixel = *pixel == 0 ? colors[level] : composed(colors[level], *pixel);
     }
     std::fill(rows + touched.first, rows + touched.end, 0.0);
     touched = {noRow, 0};
