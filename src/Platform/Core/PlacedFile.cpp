@@ -1,3 +1,4 @@
+// Writes a file without a name, or under one of its own, and gives it the wanted one in a single call.
 #include "Platform/Core/PlacedFile.h"
 
 #include "Platform/Core/FileDescriptor.h"
@@ -53,43 +54,49 @@ std::optional<mode_t> modeOfUpdated(const fs::path& file) {
     return status.st_mode & 07777;
 }
 
+/// A nameless file cannot get a name: /proc is missing, a sandbox forbids it, or there are no links.
+struct LinkRefused {};
+
 /// A file that has no name yet, or only one of its own that goes with the object.
 class NewFile {
   public:
-    NewFile(const fs::path& folder, mode_t mode);
+    enum class Start { Nameless, Named };
+
+    /// A nameless start is a wish: not every file system can do it.
+    NewFile(const fs::path& folder, mode_t mode, Start start);
     ~NewFile();
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
 
     int descriptor() const { return m_file.get(); }
     void writeAndSync(std::string_view bytes) const;
-    /// Closes the file and gives it the name; false when that is taken and to be kept.
+    /// Closes the file and gives it the name; false when that is taken and to be kept. Throws LinkRefused.
     bool takeName(const fs::path& name, Existing existing);
 
   private:
-    std::string pathOfDescriptor() const { return "/proc/self/fd/" + std::to_string(m_file.get()); }
+    bool link(const fs::path& name); ///< of a nameless file; false when it is taken
     bool takeFreeName(const fs::path& name);
 
     const fs::path m_temporary;
-    bool m_hasTemporaryName = false;
+    const fs::path* m_ownName = nullptr; ///< what goes with the object
     FileDescriptor m_file;
 };
 
-NewFile::NewFile(const fs::path& folder, mode_t mode)
-    : m_temporary(folder / (temporaryPrefix + std::to_string(QRandomGenerator::system()->generate64()))),
-      m_file(::open(folder.c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, mode)) {
-    if (m_file.isOpen() && ::access(pathOfDescriptor().c_str(), F_OK) == 0)
+NewFile::NewFile(const fs::path& folder, mode_t mode, Start start)
+    : m_temporary(folder / (temporaryPrefix + std::to_string(QRandomGenerator::system()->generate64()))) {
+    if (start == Start::Nameless)
+        m_file = FileDescriptor(::open(folder.c_str(), O_WRONLY | O_TMPFILE | O_CLOEXEC, mode));
+    if (m_file.isOpen())
         return;
-    // The file system has no files without a name, or nothing that could name them is mounted.
     constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
     m_file = FileDescriptor(::open(m_temporary.c_str(), flags, mode));
     failUnless(m_file.isOpen());
-    m_hasTemporaryName = true;
+    m_ownName = &m_temporary;
 }
 
 NewFile::~NewFile() {
-    if (m_hasTemporaryName)
-        ::unlink(m_temporary.c_str());
+    if (m_ownName != nullptr)
+        ::unlink(m_ownName->c_str());
 }
 
 void NewFile::writeAndSync(std::string_view bytes) const {
@@ -102,23 +109,34 @@ void NewFile::writeAndSync(std::string_view bytes) const {
 }
 
 bool NewFile::takeName(const fs::path& name, Existing existing) {
-    if (!m_hasTemporaryName) {
-        failUnless(::linkat(AT_FDCWD, pathOfDescriptor().c_str(), AT_FDCWD, m_temporary.c_str(),
-                            AT_SYMLINK_FOLLOW) == 0);
-        m_hasTemporaryName = true;
-    }
+    const bool keeps = existing == Existing::Keep;
+    if (m_ownName == nullptr && !link(keeps ? name : m_temporary))
+        return false;
     m_file.close(); // network file systems report a full disk only now
-    if (existing == Existing::Keep)
+    if (keeps && m_ownName != &name)
         return takeFreeName(name);
-    failUnless(std::rename(m_temporary.c_str(), name.c_str()) == 0);
-    m_hasTemporaryName = false;
+    if (!keeps)
+        failUnless(std::rename(m_temporary.c_str(), name.c_str()) == 0);
+    m_ownName = nullptr;
     return true;
+}
+
+bool NewFile::link(const fs::path& name) {
+    const std::string nameless = "/proc/self/fd/" + std::to_string(descriptor());
+    if (::linkat(AT_FDCWD, nameless.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0) {
+        m_ownName = &name;
+        return true;
+    }
+    failUnless(errno != ENOSPC && errno != EDQUOT);
+    if (errno != EEXIST || &name == &m_temporary)
+        throw LinkRefused();
+    return false;
 }
 
 bool NewFile::takeFreeName(const fs::path& name) {
     const char* const temporary = m_temporary.c_str();
     if (::renameat2(AT_FDCWD, temporary, AT_FDCWD, name.c_str(), RENAME_NOREPLACE) == 0) {
-        m_hasTemporaryName = false;
+        m_ownName = nullptr;
         return true;
     }
     if (errno != EINVAL && errno != ENOSYS)
@@ -131,15 +149,15 @@ bool NewFile::takeFreeName(const fs::path& name) {
     if (::lstat(name.c_str(), &status) == 0)
         return false;
     failUnless(std::rename(temporary, name.c_str()) == 0);
-    m_hasTemporaryName = false;
+    m_ownName = nullptr;
     return true;
 }
 
-Result place(const fs::path& name, std::string_view bytes, const Policy& policy) {
+Result place(const fs::path& name, std::string_view bytes, const Policy& policy, NewFile::Start start) {
     const bool updates = policy.existing == Existing::Update;
     const std::optional<mode_t> mode = updates ? modeOfUpdated(name) : std::nullopt;
     const fs::path folder = name.has_parent_path() ? name.parent_path() : fs::path(".");
-    NewFile file(folder, policy.mode);
+    NewFile file(folder, policy.mode, start);
     if (mode)
         failUnless(::fchmod(file.descriptor(), *mode) == 0);
     file.writeAndSync(bytes);
@@ -160,9 +178,15 @@ Result place(const fs::path& name, std::string_view bytes, const Policy& policy)
 
 Result write(const QString& path, const QByteArray& bytes, const Policy& policy) {
     try {
-        const fs::path name = QFile::encodeName(path).toStdString();
-        return place(policy.existing == Existing::Update ? withLinksFollowed(name) : name,
-                     {bytes.constData(), static_cast<std::size_t>(bytes.size())}, policy);
+        fs::path name = QFile::encodeName(path).toStdString();
+        if (policy.existing == Existing::Update)
+            name = withLinksFollowed(name);
+        const std::string_view content(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+        try {
+            return place(name, content, policy, NewFile::Start::Nameless);
+        } catch (const LinkRefused&) {
+            return place(name, content, policy, NewFile::Start::Named);
+        }
     } catch (const std::system_error& failure) {
         return {Outcome::Failed, QString::fromLocal8Bit(failure.code().message().c_str())};
     }

@@ -19,6 +19,7 @@ enum class Existing {
 };
 
 /// Asked with the new file, whole and synced, right before it takes its name; a reason gives the writing up.
+/// Asked again of another file where the system does not let the first one take a name.
 using LastWord = std::function<std::optional<QString>(int descriptor)>;
 
 struct Policy {
@@ -41,9 +42,10 @@ inline constexpr const char* temporaryPrefix = ".velquin-";
 
 /// Writes a new file in the folder of `path` and gives it that name once it is whole and synced; then syncs
 /// the folder. Whoever looks finds what was there before or the new file, never a part. A failure leaves what
-/// was there, and nothing beside it. So does the end of the program meanwhile, except between the last two
-/// steps, or all along where the file system knows no file without a name (NFS, FAT): then a file with
-/// `temporaryPrefix` stays behind. Throws what `lastWord` throws. Any thread.
+/// was there, and nothing beside it. So does the end of the program meanwhile, with two exceptions in which a
+/// file with `temporaryPrefix` stays behind: right before the new file takes the place of another, and all
+/// along where a file without a name is not to be had, or not to be named (NFS, FAT, some sandboxes).
+/// Throws what `lastWord` throws. Any thread.
 Result write(const QString& path, const QByteArray& bytes, const Policy& policy = {});
 
 /// For diagnostics in a folder that everybody may write to: replaces, and only the user may read it.
