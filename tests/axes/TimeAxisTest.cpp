@@ -3,6 +3,7 @@
 #include "Classes/Axes/TypedTime.h"
 #include "Classes/Axes/XTimeAxis.h"
 #include "Classes/Axes/XTimeAxisTick.h"
+#include "support/Numbers.h"
 
 #include <QTimeZone>
 
@@ -15,6 +16,8 @@
 #include <random>
 
 namespace {
+
+using support::nan;
 
 constexpr double minute = 60;
 constexpr double hour = 3600;
@@ -375,7 +378,6 @@ TEST(XTimeAxis, holdsItsPropertiesOnRandomRanges) {
     }
     EXPECT_GT(listed, 1500);
     EXPECT_GT(axisIn("UTC", -1e-300, 1e-300, 600)->ticks()->size(), 5U); // steps far below a second
-    const double nan = std::numeric_limits<double>::quiet_NaN();
     for (const double bad : {nan, 1e300, -1e300, 0.0})
         EXPECT_EQ(axisIn("UTC", 0, bad, 300)->ticks(), nullptr);
 }

@@ -204,10 +204,10 @@ TEST(PainterCanvas, drawsHairlinesAsWholeDevicePixels) {
 }
 
 // Black and white columns in turn.
-QImage stripes(int width, int height) {
-    QImage image(width, height, QImage::Format_ARGB32_Premultiplied);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
+QImage stripes(QSize size) {
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < size.height(); ++y)
+        for (int x = 0; x < size.width(); ++x)
             image.setPixelColor(x, y, x % 2 == 0 ? Qt::black : Qt::white);
     return image;
 }
@@ -215,7 +215,7 @@ QImage stripes(int width, int height) {
 TEST(PainterCanvas, laysAnImageOfTheSameSizeOntoThePixelsOneToOne) {
     for (const double ratio : {1.0, 1.5, 2.0}) {
         const int pixels = qRound(9 * ratio);
-        QImage image = stripes(pixels, pixels);
+        QImage image = stripes({pixels, pixels});
         image.setDevicePixelRatio(ratio);
         // 7 x 1.5 is between two pixels, and so is the upper edge.
         const QImage result = painted(ratio, {20, 20}, [&](PainterCanvas& canvas) {

@@ -5,6 +5,7 @@
 #include "Classes/Axes/XLogAxis.h"
 #include "Classes/PlotView/PlotLayout.h"
 #include "render/SmallPlot.h"
+#include "support/Numbers.h"
 
 #include <gtest/gtest.h>
 
@@ -17,6 +18,7 @@ using Interaction = PlotInteraction;
 using WheelZooms = PlotInteraction::WheelZooms;
 
 // A plot rectangle of 300 x 200 pixels at 36,29.
+using support::inf;
 using support::smallPlot;
 
 class PlotInteractionTest : public testing::Test {
@@ -227,7 +229,6 @@ TEST_F(PlotInteractionTest, aRangeThatCannotBeEditedStaysAsItIs) {
         const char* name;
         XValueRange range, panned;
     };
-    const double inf = INFINITY;
     const Row rows[] = {{"backwards: it may be moved, but not turned over", {-4, -6}, {-4.5, -6.5}},
                         {"empty", {5, 5}, {5, 5}},
                         {"no number", {NAN, NAN}, {NAN, NAN}},

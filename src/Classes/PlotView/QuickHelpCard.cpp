@@ -22,7 +22,7 @@ constexpr Hint hints[] = {
     {"quick_help_curve", "Add a curve, choose\nits x and y columns"},
     {"quick_help_move", "Drag to pan, turn\nthe wheel to zoom"},
 };
-constexpr int count = std::size(hints);
+constexpr int hintsNumber = std::size(hints);
 constexpr QSize pictureSize(112, 72);
 constexpr int cardWidth = 560;
 constexpr int side = 16;
@@ -59,7 +59,7 @@ QSize QuickHelpCard::leastSize() const {
     for (const Hint& hint : hints)
         widest =
             std::max(widest, fontMetrics().size(Qt::TextDontClip, QString::fromLatin1(hint.caption)).width());
-    return {2 * side + count * (widest + captionGap),
+    return {2 * side + hintsNumber * (widest + captionGap),
             top + pictureSize.height() + pictureGap + 2 * lineHeight(fontMetrics()) + bottom};
 }
 
@@ -80,8 +80,8 @@ void QuickHelpCard::paintEvent(QPaintEvent*) {
     StylePainting::drawBox(painter, rect(), 8, m_paper, m_edge);
     painter.setPen(themeColors(m_theme).text2);
     const int line = lineHeight(painter.fontMetrics());
-    const double columnWidth = (width() - 2.0 * side) / count;
-    for (int i = 0; i < count; ++i) {
+    const double columnWidth = (width() - 2.0 * side) / hintsNumber;
+    for (int i = 0; i < hintsNumber; ++i) {
         const int left = side + qRound(i * columnWidth);
         const int right = side + qRound((i + 1) * columnWidth);
         const int middle = (left + right) / 2;

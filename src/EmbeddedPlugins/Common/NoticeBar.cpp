@@ -17,8 +17,8 @@
 namespace {
 
 constexpr int foldedHeight = 15;
-constexpr int above = 11;
-constexpr int below = 16;
+constexpr int marginAbove = 11;
+constexpr int marginBelow = 16;
 constexpr int boxHeight = 32;
 constexpr int textLeft = 34;
 constexpr int closeRoom = 34; ///< right of the button
@@ -65,7 +65,7 @@ void NoticeBar::showNotice(const QString& text, const QString& action, bool isFa
 }
 
 int NoticeBar::openHeight() const {
-    return above + below + boxHeight + std::max(0, fontMetrics().height() - 16);
+    return marginAbove + marginBelow + boxHeight + std::max(0, fontMetrics().height() - 16);
 }
 
 void NoticeBar::unfold(bool open) {
@@ -80,8 +80,8 @@ void NoticeBar::unfold(bool open) {
 }
 
 void NoticeBar::layOut() {
-    const int boxInside = openHeight() - above - below;
-    m_box->setGeometry(0, above, width(), std::max(0, std::min(boxInside, height() - above)));
+    const int boxInside = openHeight() - marginAbove - marginBelow;
+    m_box->setGeometry(0, marginAbove, width(), std::max(0, std::min(boxInside, height() - marginAbove)));
     const QSize size = m_action->sizeHint();
     m_action->setGeometry(width() - closeRoom - size.width(), (boxInside - size.height()) / 2, size.width(),
                           size.height());
@@ -117,12 +117,12 @@ void NoticeBar::paintEvent(QPaintEvent*) {
         return;
     QPainter painter(this);
     const NoticeColors colors = NoticeColors::current(m_isFault);
-    const QRect box(0, above, width(), openHeight() - above - below);
+    const QRect box(0, marginAbove, width(), openHeight() - marginAbove - marginBelow);
     StylePainting::drawBox(painter, box, 4, colors.fill, colors.edge);
-    StylePainting::drawIcon(painter, QRectF(10, above, 16, box.height()),
+    StylePainting::drawIcon(painter, QRectF(10, marginAbove, 16, box.height()),
                             m_isFault ? QStringLiteral("error") : QStringLiteral("warn"), colors.text);
     const int right = m_action->text().isEmpty() ? width() - closeRoom : m_action->x() - 8;
-    const QRect room(textLeft, above, right - textLeft, box.height());
+    const QRect room(textLeft, marginAbove, right - textLeft, box.height());
     painter.setPen(colors.text);
     painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter,
                      fontMetrics().elidedText(m_text, Qt::ElideMiddle, room.width()));
