@@ -7,7 +7,9 @@
 #include <QSignalSpy>
 
 #include <csignal>
+#include <stop_token>
 #include <sys/stat.h>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 using support::ScratchFolder;
@@ -40,6 +42,15 @@ TEST_F(LeftFiles, areHeldByTheLiving) {
     EXPECT_EQ(taken(), 0U) << "a second program finds it held";
     ASSERT_EQ(held[0].file->write(PropertyList::writeXml(held[0].record.toPlist())), std::nullopt);
     EXPECT_EQ(taken(), 0U) << "the new content is held as well";
+}
+
+TEST_F(LeftFiles, areNotReadOnceTheLookingIsToEnd) {
+    ASSERT_TRUE(waitUntilKept(windowWith({u"1"_qs})));
+    letGo();
+    std::stop_source end;
+    end.request_stop();
+    EXPECT_TRUE(AutosaveFolder::takeLeft(autosaves(), end.get_token()).empty());
+    EXPECT_EQ(taken(), 1U);
 }
 
 TEST_F(LeftFiles, thatAreDamagedOrStrangeAreSetAsideAndBlockNothing) {
@@ -199,6 +210,31 @@ TEST_F(RecoveryTest, asksOverAnotherWindowOrTellsThatThereIsNone) {
     }
 }
 
+TEST_F(RecoveryTest, saysNothingWhenItEndsMeanwhile) {
+    windowWith({u"1"_qs});
+    ASSERT_TRUE(waitForFiles(1));
+    MoxDocumentWindow* window = &crash();
+    bool foundNobody = false;
+    for (const bool isHandedOver : {false, true}) {
+        for (const bool hasWindow : {true, false}) {
+            {
+                RecoveryOffer offer(documents, *controller, autosaves());
+                QObject::connect(&offer, &RecoveryOffer::foundNobody, [&] { foundNobody = true; });
+                offer.ask(*window);
+                if (!hasWindow)
+                    window->closeNow();
+                while (isHandedOver && offer.isLooking())
+                    std::this_thread::yield();
+            }
+            MainThread::runUntil([] { return true; });
+            EXPECT_TRUE(alerts.messages.isEmpty());
+            EXPECT_FALSE(foundNobody);
+            EXPECT_EQ(AutosaveFolder::takeLeft(autosaves()).size(), 1U) << "nobody holds it any more";
+        }
+        window = &newWindow();
+    }
+}
+
 TEST_F(RecoveryTest, keepsADamagedDocumentAsideAndOpensTheOthers) {
     MoxDocumentWindow& good = windowWith({u"1"_qs});
     ASSERT_TRUE(waitUntilKept(good));
@@ -235,6 +271,8 @@ constexpr EndRow endRows[] = {
 };
 
 TEST_F(RecoveryTest, endsOnDemandWithoutAQuestionAndKeepsWhatWaits) {
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP})
+        std::signal(signal, SIG_DFL); // a run in the background ignores some
     for (const EndRow& row : endRows) {
         SCOPED_TRACE(row.name);
         letGo();

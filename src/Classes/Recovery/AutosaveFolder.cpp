@@ -132,7 +132,7 @@ std::optional<QString> AutosaveFolder::make(const QString& folder) {
     return std::nullopt;
 }
 
-std::vector<LeftAutosave> AutosaveFolder::takeLeft(const QString& path) {
+std::vector<LeftAutosave> AutosaveFolder::takeLeft(const QString& path, const std::stop_token& stop) {
     const QDir folder(path);
     if (!folder.exists())
         return {};
@@ -147,6 +147,8 @@ std::vector<LeftAutosave> AutosaveFolder::takeLeft(const QString& path) {
         folder.entryList({pattern}, QDir::AllEntries | QDir::Hidden | QDir::System, QDir::Time);
     qint64 bytes = 0;
     for (const QString& name : names.first(std::min(names.size(), mostLeft))) {
+        if (stop.stop_requested())
+            break;
         const QString file = folder.filePath(name);
         bytes += std::min<qint64>(QFileInfo(file).size(), greatestAutosave);
         if (bytes > mostBytes)

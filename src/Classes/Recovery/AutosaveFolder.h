@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <optional>
+#include <stop_token>
 #include <vector>
 
 /// An autosave whose program is gone; held by this one as long as `file` is.
@@ -27,7 +28,8 @@ std::optional<QString> make(const QString& folder);
 
 /// Takes hold of what others left, the latest first, at most a hundred. What is no autosave of this user is
 /// logged and set aside; what a living program holds, or a later version wrote, is passed over. Removes the
-/// leftovers of interrupted writes. Any thread; reads up to half a gigabyte.
-std::vector<LeftAutosave> takeLeft(const QString& path);
+/// leftovers of interrupted writes. Any thread; reads up to half a gigabyte, file by file until it is
+/// stopped.
+std::vector<LeftAutosave> takeLeft(const QString& path, const std::stop_token& stop = {});
 
 } // namespace AutosaveFolder

@@ -37,15 +37,20 @@ class Looking : public Operation {
   public:
     using Found = std::function<void(std::vector<LeftAutosave> left)>;
 
-    Looking(QString folder, Found found) : m_folder(std::move(folder)), m_found(std::move(found)) {}
+    Looking(QString folder, std::stop_token end, Found found)
+        : m_folder(std::move(folder)), m_end(std::move(end)), m_found(std::move(found)) {}
 
     void main() override {
-        auto left = std::make_shared<std::vector<LeftAutosave>>(AutosaveFolder::takeLeft(m_folder));
-        MainThread::perform([found = m_found, left] { found(std::move(*left)); });
+        auto left = std::make_shared<std::vector<LeftAutosave>>(AutosaveFolder::takeLeft(m_folder, m_end));
+        MainThread::perform([end = m_end, found = m_found, left] {
+            if (!end.stop_requested())
+                found(std::move(*left));
+        });
     }
 
   private:
     const QString m_folder;
+    const std::stop_token m_end; ///< of the offer
     const Found m_found;
 };
 
@@ -54,19 +59,24 @@ class Looking : public Operation {
 RecoveryOffer::RecoveryOffer(DocumentController& documents, AutosaveController& autosaves, QString folder)
     : m_documents(documents), m_autosaves(autosaves), m_folder(std::move(folder)) {}
 
+/// The queue still serves what was handed over: nothing of it is for an object that goes.
+RecoveryOffer::~RecoveryOffer() {
+    m_end.request_stop();
+}
+
 void RecoveryOffer::ask(MoxDocumentWindow& over) {
-    const auto found = [self = QPointer(this), near = QPointer(&over)](std::vector<LeftAutosave> left) {
-        if (self == nullptr || left.empty())
+    const auto found = [this, near = QPointer(&over)](std::vector<LeftAutosave> left) {
+        if (left.empty())
             return;
         MoxDocumentWindow* window =
-            near != nullptr && near->isVisible() ? near.data() : self->m_documents.mainWindow();
+            near != nullptr && near->isVisible() ? near.data() : m_documents.mainWindow();
         if (window == nullptr)
-            Q_EMIT self->foundNobody();
+            Q_EMIT foundNobody();
         else
-            self->ask(*window, std::make_shared<std::vector<LeftAutosave>>(std::move(left)));
+            ask(*window, std::make_shared<std::vector<LeftAutosave>>(std::move(left)));
     };
     try {
-        m_queue.add(std::make_shared<Looking>(m_folder, found));
+        m_queue.add(std::make_shared<Looking>(m_folder, m_end.get_token(), found));
     } catch (const std::system_error& failure) { // no thread: what was left stays for another start
         qCWarning(velquinLog, "autosaves in %s: %s", qUtf8Printable(m_folder), failure.what());
     }

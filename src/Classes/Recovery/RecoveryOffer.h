@@ -9,6 +9,7 @@
 #include <QString>
 
 #include <memory>
+#include <stop_token>
 #include <vector>
 
 class AutosaveController;
@@ -21,9 +22,10 @@ class RecoveryOffer : public QObject {
 
   public:
     RecoveryOffer(DocumentController& documents, AutosaveController& autosaves, QString folder);
+    ~RecoveryOffer() override;
 
     /// Looks in the background whether something was left, and if so asks: over that window, or another if it
-    /// went meanwhile. What is not decided stays for the next start.
+    /// went meanwhile. What is not decided stays for the next start. The end of this object ends the looking.
     void ask(MoxDocumentWindow& over);
     bool isLooking() const { return !m_queue.isIdle(); }
 
@@ -43,5 +45,6 @@ class RecoveryOffer : public QObject {
     DocumentController& m_documents;
     AutosaveController& m_autosaves;
     const QString m_folder;
+    std::stop_source m_end;
     OperationQueue m_queue{1}; ///< last: what it hands over is for this object
 };
