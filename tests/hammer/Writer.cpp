@@ -1,5 +1,5 @@
-// A program to be killed while it writes: hammer_writer save FILE | autosave FOLDER. It writes
-// one document over and over, titled with the number of the time, and prints each number that is written.
+// A program to be killed while it writes: hammer_writer save FILE | autosave FOLDER. It writes one document
+// over and over, titled with the number of the time, and prints each number that is written.
 #include "Classes/PluginsManager/XPluginsManager.h"
 #include "Classes/Recovery/AutosaveController.h"
 #include "Classes/Recovery/AutosaveFolder.h"

@@ -4,19 +4,25 @@ document, whole; an autosave is offered to the next start. What is left beside i
 knows files without names.
 
     tests/hammer/kills.py WRITER [ROUNDS each]
+
+VELQUIN_SEED gives the number from which the moments are drawn; a fault says which it was.
 """
 import os
 import pathlib
 import plistlib
 import random
-import re
 import subprocess
 import sys
 import tempfile
 import time
 
 writer, rounds = sys.argv[1], int(sys.argv[2]) if len(sys.argv) > 2 else 500
-chance = random.Random()
+seed = int(os.environ.get("VELQUIN_SEED") or random.randrange(1 << 32))
+chance = random.Random(seed)
+
+
+def fail(reason):
+    sys.exit(f"{reason} (VELQUIN_SEED={seed})")
 
 
 def killed_run(kind, target):
@@ -27,11 +33,13 @@ def killed_run(kind, target):
         begin = time.monotonic()
         lines.append(run.stdout.readline())
         took = time.monotonic() - begin
+    # The next write says nothing before its end, so that only the clock leads into its midst. Nothing is taken for granted of
+    # where the kill hits: the old and the new document are both right.
     time.sleep(chance.uniform(0, 1.2 * took))
     run.kill()
     lines += run.stdout.readlines()
     if run.wait() != -9:
-        sys.exit(f"{kind}: the writer ended by itself: {run.returncode}")
+        fail(f"{kind}: the writer ended by itself: {run.returncode}")
     return [line.decode().strip() for line in lines if line.endswith(b"\n")]
 
 
@@ -63,7 +71,7 @@ def hammer(kind, folder):
     for i in range(rounds):
         lines = killed_run(kind, target)
         if kind == "autosave" and lines.pop(0) != f"took {min(i, 1)}":
-            sys.exit(f"autosave, round {i}: the one that was left is not taken")
+            fail(f"autosave, round {i}: the one that was left is not taken")
         written = int(lines[-1]) if lines else 0
         names = sorted(path for path in folder.iterdir())
         beside = [path for path in names if path.name.startswith(".")]
@@ -75,16 +83,16 @@ def hammer(kind, folder):
                 if path not in beside and found[-1] not in (written, written + 1):
                     raise ValueError(f"it is number {found[-1]}, not {written} or the next")
         except Exception as fault:  # whatever it is, it is told with its round
-            sys.exit(f"{kind}, round {i}: {path.name} ({path.stat().st_size} bytes): {fault}")
+            fail(f"{kind}, round {i}: {path.name} ({path.stat().st_size} bytes): {fault}")
         if written and len(names) - len(beside) != 1:
-            sys.exit(f"{kind}, round {i}: {len(names)} files")
+            fail(f"{kind}, round {i}: {len(names)} files")
         counts["beside"] += len(beside)
         counts["new" if found and found[-1] == written + 1 else "old"] += 1
         for path in beside:
             path.unlink()
     print(f"{rounds} kills while it {kind}s: {counts}", flush=True)
     if is_nameless and 10 * counts["beside"] > rounds + 10:
-        sys.exit(f"{kind}: files pile up")
+        fail(f"{kind}: files pile up")
 
 
 with tempfile.TemporaryDirectory() as scratch:
