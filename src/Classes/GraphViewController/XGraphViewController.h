@@ -98,7 +98,7 @@ class XGraphViewController : public XViewController,
     void onMakeSnapshotToClipboard();
     void onRevealSnapshotsFolder();
     void onMakeSnapshotToPDF(); ///< a diagnostic
-    /// In place of "/tmp/snapshot.pdf".
+    /// Where `onMakeSnapshotToPDF` writes: "/tmp/snapshot.pdf" unless set.
     void setPdfPath(const QString& path) { m_pdfPath = path; }
     /// The plot with its titles and its legend as they are on the screen, in its pixels. Null when there is
     /// no memory for it.
