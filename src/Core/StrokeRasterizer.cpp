@@ -16,7 +16,7 @@ constexpr int noRow = std::numeric_limits<int>::max();
 constexpr ClipBox nowhere{1, 1, 0, 0};
 constexpr double fullCoverage = 0.999; ///< painted as 1, and it only grows
 constexpr int leastBlockWidth = 8;
-constexpr int mostBlocks = 256;
+constexpr int mostBlocks = 256; ///< the search for the full rectangle takes time by their square
 
 } // namespace
 
@@ -60,7 +60,7 @@ StrokeRasterizer::StrokeRasterizer(int width, int height, double lineWidth)
       m_columns(static_cast<std::size_t>(width) * m_columnStride),
       m_rows(static_cast<std::size_t>(width), Rows{noRow, 0}), m_firstColumn(width),
       m_near(ClipBox::around(width, height, m_halfWidth + 1)), m_full(nowhere),
-      m_blockWidth(std::max(leastBlockWidth, width / mostBlocks)),
+      m_blockWidth(std::max(leastBlockWidth, (width + mostBlocks - 1) / mostBlocks)),
       m_cellsUntilSearch(cellsBetweenSearches()) {}
 
 std::int64_t StrokeRasterizer::cellsBetweenSearches() const {
