@@ -10,6 +10,7 @@
 #include "EmbeddedPlugins/SourceViews.h"
 #include "EmbeddedPlugins/TextFile/FileWatcher.h"
 #include "EmbeddedPlugins/TextFile/XPTextFileFactory.h"
+#include "Platform/Core/FreedMemory.h"
 #include "Platform/Core/Log.h"
 #include "Platform/Core/MainThread.h"
 #include "Platform/Core/UserDefaults.h"
@@ -177,6 +178,7 @@ int runProgram(Arguments arguments) {
 } // namespace
 
 int main(int argc, char** argv) {
+    FreedMemory::goesBackToTheSystem();
     try {
         return runProgram(Arguments(argc, argv));
     } catch (const std::exception& error) {

@@ -7,6 +7,7 @@ velquin_library(platform
     Platform/Core/FileDescriptor.h
     Platform/Core/FileFingerprint.h
     Platform/Core/FreeMemory.h
+    Platform/Core/FreedMemory.h
     Platform/Core/Log.h
     Platform/Core/MainThread.h
     Platform/Core/NotificationCenter.h
@@ -27,6 +28,7 @@ velquin_library(platform
     Classes/ValueEncodings/XUtility.cpp
     Platform/Core/FileFingerprint.cpp
     Platform/Core/FreeMemory.cpp
+    Platform/Core/FreedMemory.cpp
     Platform/Core/Log.cpp
     Platform/Core/MainThread.cpp
     Platform/Core/NotificationCenter.cpp

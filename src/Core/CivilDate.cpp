@@ -1,3 +1,4 @@
+// Counts days from the first of March, by eras of 400 years.
 #include "Core/CivilDate.h"
 
 namespace {

@@ -1,3 +1,4 @@
+// One direction at a time: margins to places, places to the nearest margins.
 #include "Core/LegendPlacement.h"
 
 #include "Core/ClampToInt.h"

@@ -1,3 +1,4 @@
+// Formats in a fixed buffer and cuts the zeros off.
 #include "Core/NumberText.h"
 
 #include <algorithm>

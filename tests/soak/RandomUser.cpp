@@ -1,3 +1,4 @@
+// Chooses among the deeds of a user, and does them through widgets alone.
 #include "soak/RandomUser.h"
 
 #include "Classes/Axes/XAxisManager.h"

@@ -1,3 +1,4 @@
+// Asks the C library for the distance to UTC, and does the rest in whole seconds and days.
 #include "Classes/Axes/Calendar.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Chooses a step of 1, 2 or 5 times a power of ten and walks over the range.
 #include "Classes/Axes/LinearTicks.h"
 
 #include "Core/ClampToInt.h"

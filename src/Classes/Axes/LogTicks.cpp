@@ -1,3 +1,4 @@
+// Walks over the decades of a range, fewer where they are narrow.
 #include "Classes/Axes/LogTicks.h"
 
 #include "Classes/Axes/LinearTicks.h"

@@ -1,3 +1,4 @@
+// The tables of steps, and the first date of each walk.
 #include "Classes/Axes/TicksGenerators.h"
 
 #include "Classes/Axes/XTimeAxisTick.h"

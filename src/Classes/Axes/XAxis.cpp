@@ -1,3 +1,4 @@
+// The linear mapping, and edits of a range that end finite or not at all.
 #include "Classes/Axes/XAxis.h"
 
 #include "Classes/Axes/LinearTicks.h"

@@ -1,3 +1,4 @@
+// Makes an axis of a kind.
 #include "Classes/Axes/XAxisInfo.h"
 
 #include "Classes/Axes/XAxis.h"

@@ -1,3 +1,4 @@
+// One row for each kind of axis.
 #include "Classes/Axes/XAxisManager.h"
 
 #include "Classes/Axes/XAxis.h"

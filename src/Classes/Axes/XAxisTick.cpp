@@ -1,3 +1,4 @@
+// Orders marks and describes them for logs.
 #include "Classes/Axes/XAxisTick.h"
 
 int XAxisTick::compare(const XAxisTick& other) const {

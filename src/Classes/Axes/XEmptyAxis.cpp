@@ -1,3 +1,4 @@
+// Marks and labels that are not there.
 #include "Classes/Axes/XEmptyAxis.h"
 
 std::unique_ptr<XAxis> XEmptyAxis::copy() const {

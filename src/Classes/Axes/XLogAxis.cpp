@@ -1,3 +1,4 @@
+// Maps by the decimal logarithm and bounds what has none.
 #include "Classes/Axes/XLogAxis.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Labels of both signs, and no bound but the finite.
 #include "Classes/Axes/XPseudoLogAxis.h"
 
 std::unique_ptr<XAxis> XPseudoLogAxis::copy() const {

@@ -1,3 +1,4 @@
+// Counts steps from the start of the walk, so that no mark drifts.
 #include "Classes/Axes/XTicksGenerator.h"
 
 #include "Classes/Axes/XTimeAxisTick.h"

@@ -1,3 +1,4 @@
+// Marks from the calendar, bands of weekends, and values as dates.
 #include "Classes/Axes/XTimeAxis.h"
 
 #include "Classes/Axes/TypedTime.h"

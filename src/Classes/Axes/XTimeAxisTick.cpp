@@ -1,3 +1,4 @@
+// Chooses the pattern of a label by how fine the marks are.
 #include "Classes/Axes/XTimeAxisTick.h"
 
 #include <algorithm>

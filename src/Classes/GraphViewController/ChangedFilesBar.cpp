@@ -1,3 +1,4 @@
+// Collects what the sources say of their files, and lays the notice out.
 #include "Classes/GraphViewController/ChangedFilesBar.h"
 
 #include "Classes/DataSourcesManager/XDataSourcesManager.h"

@@ -1,3 +1,4 @@
+// Keeps the choices within their bounds, and among the user defaults.
 #include "Classes/GraphViewController/ExportChoices.h"
 
 #include "Classes/PlotView/RecordedPicture.h"

@@ -1,3 +1,4 @@
+// Ties the controls to the choices, and the choices to looks that a thread takes.
 #include "Classes/GraphViewController/ExportPictureController.h"
 
 #include "Platform/Core/MainThread.h"

@@ -1,3 +1,4 @@
+// Encodes the picture and hands it to whoever keeps it.
 #include "Classes/GraphViewController/ImageExport.h"
 
 #include <QBuffer>

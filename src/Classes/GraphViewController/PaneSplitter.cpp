@@ -1,3 +1,4 @@
+// Gives the thin line a wide handle, and the curves their first width.
 #include "Classes/GraphViewController/PaneSplitter.h"
 
 #include <QRegion>

@@ -1,3 +1,4 @@
+// Paints the paper, and a veil over all that lies on it.
 #include "Classes/GraphViewController/PaperView.h"
 
 #include <QMouseEvent>

@@ -1,3 +1,4 @@
+// Draws the picture small for a look, and encodes samples of it for its size.
 #include "Classes/GraphViewController/PictureWork.h"
 
 #include "Platform/Core/FreeMemory.h"

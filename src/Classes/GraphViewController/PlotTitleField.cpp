@@ -1,3 +1,4 @@
+// Draws the title as the plot does, unless it is being edited.
 #include "Classes/GraphViewController/PlotTitleField.h"
 
 #include "Classes/PlotView/PlotCanvas.h"

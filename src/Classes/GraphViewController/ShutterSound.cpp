@@ -1,3 +1,4 @@
+// Finds a player, and hands it the sound as a file.
 #include "Classes/GraphViewController/ShutterSound.h"
 
 #include "Platform/Widgets/Appearance.h"

@@ -1,3 +1,4 @@
+// Writes one after the other; a name that is taken waits for the next second.
 #include "Classes/GraphViewController/SnapshotWriter.h"
 
 #include "Classes/GraphViewController/ImageExport.h"

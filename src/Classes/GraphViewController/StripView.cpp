@@ -1,3 +1,4 @@
+// Draws the band, and takes the words off its tools when they have no room.
 #include "Classes/GraphViewController/StripView.h"
 
 #include "Platform/Widgets/Appearance.h"

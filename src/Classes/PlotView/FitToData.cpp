@@ -1,3 +1,4 @@
+// Unites the ranges of the curves and puts limits that are fixed over them.
 #include "Classes/PlotView/FitToData.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Shows the field of the style while it is edited, and its text alone otherwise.
 #include "Classes/PlotView/InPlaceField.h"
 
 #include "Classes/PlotView/PainterCanvas.h"

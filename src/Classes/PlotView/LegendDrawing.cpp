@@ -1,3 +1,4 @@
+// Draws samples and titles row by row.
 #include "Classes/PlotView/LegendDrawing.h"
 
 #include "Classes/PlotView/PlotCanvas.h"

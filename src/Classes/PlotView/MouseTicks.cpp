@@ -1,3 +1,4 @@
+// Places the mark and its label within the axis.
 #include "Classes/PlotView/MouseTicks.h"
 
 #include "Classes/Axes/XAxis.h"

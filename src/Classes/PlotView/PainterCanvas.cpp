@@ -1,3 +1,4 @@
+// Strokes, texts, gradients and images over a painter.
 #include "Classes/PlotView/PainterCanvas.h"
 
 #include <QFontInfo>

@@ -1,3 +1,4 @@
+// Draws grid, origins, axes and titles, once for both directions.
 #include "Classes/PlotView/PlotDrawing.h"
 
 #include "Classes/Axes/XAxis.h"

@@ -1,3 +1,4 @@
+// Edits of one axis at a time, and the states between press and release.
 #include "Classes/PlotView/PlotInteraction.h"
 
 #include "Classes/Axes/XAxis.h"

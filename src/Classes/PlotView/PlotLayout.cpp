@@ -1,3 +1,4 @@
+// Measures the labels and gives the rest to the plot.
 #include "Classes/PlotView/PlotLayout.h"
 
 #include "Classes/Axes/XAxis.h"

@@ -1,3 +1,4 @@
+// Draws the plot, its titles and its legend into their rooms.
 #include "Classes/PlotView/PlotPage.h"
 
 #include "Classes/PlotView/PainterCanvas.h"

@@ -1,3 +1,4 @@
+// Makes an image or a recorded page of the wanted size.
 #include "Classes/PlotView/PlotPicture.h"
 
 #include "Classes/PlotView/RecordedPicture.h"

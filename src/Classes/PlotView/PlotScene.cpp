@@ -1,3 +1,4 @@
+// Follows curves and axes, and queues a rendering for each curve that needs one.
 #include "Classes/PlotView/PlotScene.h"
 
 #include "Classes/Axes/XAxis.h"

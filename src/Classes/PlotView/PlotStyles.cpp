@@ -1,3 +1,4 @@
+// The colours and paddings of both styles.
 #include "Classes/PlotView/PlotStyles.h"
 
 using namespace Qt::StringLiterals;

@@ -1,3 +1,4 @@
+// Chooses the fonts, and measures with them.
 #include "Classes/PlotView/PlotText.h"
 
 #include <QFontMetricsF>

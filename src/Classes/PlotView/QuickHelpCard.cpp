@@ -1,3 +1,4 @@
+// Paints the card and its three hints.
 #include "Classes/PlotView/QuickHelpCard.h"
 
 #include "Classes/PlotView/PlotStyles.h"

@@ -1,3 +1,4 @@
+// Keeps each call with its values.
 #include "Classes/PlotView/RecordedCanvas.h"
 
 #include <QImage>

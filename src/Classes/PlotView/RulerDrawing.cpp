@@ -1,3 +1,4 @@
+// Draws line, guides, intervals and cards in view coordinates.
 #include "Classes/PlotView/RulerDrawing.h"
 
 #include "Classes/Axes/XTimeAxis.h"

@@ -1,3 +1,4 @@
+// Draws a dashed rectangle, bands along one axis, or two lines.
 #include "Classes/PlotView/SelectionDrawing.h"
 
 #include "Classes/Axes/XAxis.h"

@@ -1,3 +1,4 @@
+// Takes the rooms of the titles that are shown off the page.
 #include "Classes/PlotView/TitleLayout.h"
 
 #include <algorithm>

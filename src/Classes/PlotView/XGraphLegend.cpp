@@ -1,3 +1,4 @@
+// Keeps a row for each curve, and the card where it was dragged to.
 #include "Classes/PlotView/XGraphLegend.h"
 
 #include "Classes/PlotView/LegendDrawing.h"

@@ -1,3 +1,4 @@
+// Follows one curve, and edits its title in a field over the drawing.
 #include "Classes/PlotView/XGraphLegendItemView.h"
 
 #include "Classes/PlotView/InPlaceField.h"

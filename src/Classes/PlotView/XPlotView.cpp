@@ -1,3 +1,4 @@
+// Translates events into gestures, and paints the scene with what lies over it.
 #include "Classes/PlotView/XPlotView.h"
 
 #include "Classes/Axes/XAxis.h"

@@ -1,3 +1,4 @@
+// Paints and edits text that is turned by a quarter.
 #include "Classes/PlotView/XVerticalLabel.h"
 
 #include "Platform/Widgets/Appearance.h"

@@ -1,3 +1,4 @@
+// Paints the button in the colours of its notice.
 #include "Classes/SmallViews/NoticeButton.h"
 
 #include "Platform/Widgets/Appearance.h"

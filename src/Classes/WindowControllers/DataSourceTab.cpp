@@ -1,3 +1,4 @@
+// Follows a source and its page, and says on the tab what is wrong with them.
 #include "Classes/WindowControllers/DataSourceTab.h"
 
 #include "EmbeddedPlugins/TextFile/InputFile.h"

@@ -1,3 +1,4 @@
+// Paints the line that the tabs stand on.
 #include "Classes/WindowControllers/TabRow.h"
 
 #include "Platform/Widgets/Appearance.h"

@@ -1,3 +1,4 @@
+// One key of the user defaults for each path.
 #include "EmbeddedPlugins/TextFile/LiveFiles.h"
 
 #include "EmbeddedPlugins/TextFile/InputFile.h"

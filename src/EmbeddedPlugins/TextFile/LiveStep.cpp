@@ -1,3 +1,4 @@
+// The decision, case by case.
 #include "EmbeddedPlugins/TextFile/LiveStep.h"
 
 #include <algorithm>

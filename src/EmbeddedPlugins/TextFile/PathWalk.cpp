@@ -1,3 +1,4 @@
+// Takes name after name off the path, and puts the target of each link in its place.
 #include "EmbeddedPlugins/TextFile/PathWalk.h"
 
 #include <sys/stat.h>
