@@ -1,11 +1,11 @@
 // Draws the picture small for a look, and encodes samples of it for its size.
 #include "Classes/GraphViewController/PictureWork.h"
 
+#include "Classes/GraphViewController/ExportChoices.h"
 #include "Platform/Core/FreeMemory.h"
 #include "Platform/Core/PlacedFile.h"
 
 #include <QBuffer>
-#include <QCoreApplication>
 
 #include <algorithm>
 #include <cmath>
