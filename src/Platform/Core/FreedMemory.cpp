@@ -5,9 +5,9 @@
 
 void FreedMemory::goesBackToTheSystem() {
 #if defined(M_MMAP_THRESHOLD) && defined(M_TRIM_THRESHOLD)
-    constexpr int mebibyte = 1 << 20;
-    mallopt(M_MMAP_THRESHOLD,
-            4 * mebibyte); // images of usual size stay in the heaps, which saves page faults
-    mallopt(M_TRIM_THRESHOLD, 8 * mebibyte);
+    constexpr int largeBlock = 4 << 20; // images of usual size stay in the heaps, which saves page faults
+    constexpr int keptFree = 8 << 20;
+    mallopt(M_MMAP_THRESHOLD, largeBlock); // NOLINT(concurrency-mt-unsafe): there are no threads yet
+    mallopt(M_TRIM_THRESHOLD, keptFree);   // NOLINT(concurrency-mt-unsafe)
 #endif
 }
