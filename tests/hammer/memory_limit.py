@@ -3,6 +3,7 @@
 
     tests/hammer/memory_limit.py PROGRAM
 """
+import os
 import pathlib
 import plistlib
 import re
@@ -15,6 +16,16 @@ two_gigabytes = 2_000_000_000
 program = str(pathlib.Path(sys.argv[1]).resolve())
 mebibyte = 1 << 20
 done, failed, wrong_usage = 0, 1, 2  # exit statuses of the program
+
+
+def use_own_font_cache(folder):
+    """What lists fonts without memory finds none, and would leave that to all programs of this user."""
+    configuration = folder / "fonts.conf"
+    configuration.write_text(
+        '<?xml version="1.0"?><!DOCTYPE fontconfig SYSTEM "fonts.dtd"><fontconfig>'
+        f"<dir>/usr/share/fonts</dir><cachedir>{folder}/fonts</cachedir></fontconfig>"
+    )
+    os.environ["FONTCONFIG_FILE"] = str(configuration)
 
 
 def run(arguments, limit=two_gigabytes):
@@ -122,6 +133,7 @@ def check_every_limit(data):
 def main():
     with tempfile.TemporaryDirectory() as scratch:
         folder = pathlib.Path(scratch)
+        use_own_font_cache(folder)
         data, saved, picture = folder / "data.csv", folder / "d.mox", folder / "p.png"
         for name, text, options, status, reason in texts():
             data.write_bytes(text)
