@@ -2,7 +2,6 @@
 #include "Core/PostfixProgram.h"
 
 #include "Core/MissingValue.h"
-#include "Core/VectorState.h"
 
 #include <algorithm>
 
@@ -45,7 +44,6 @@ void PostfixProgram::apply(BlockOperation operation, std::size_t operandsNumber)
 
 void PostfixProgram::evaluate(std::uint64_t firstRow, std::span<double> results,
                               std::span<double> stack) const {
-    clearUpperVectorHalves();
     double* top = stack.data(); // where the next value goes
     for (const Step& step : m_steps) {
         if (const auto* application = std::get_if<Application>(&step)) {

@@ -3,6 +3,7 @@
 
 #include "Classes/ExpressionEvaluator/ExpressionText.h"
 #include "Classes/ExpressionEvaluator/RowEvaluator.h"
+#include "Core/VectorState.h"
 
 #include <algorithm>
 #include <atomic>
@@ -111,6 +112,7 @@ std::optional<EvaluationRun::Slice> EvaluationRun::takeSlice() {
 }
 
 void EvaluationRun::evaluateSlice(RowEvaluator& evaluator, Slice slice) {
+    clearUpperVectorHalves();
     std::optional<RowError> error;
     try {
         error =
