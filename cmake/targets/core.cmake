@@ -7,6 +7,7 @@ velquin_library(core
     Core/CivilDate.h
     Core/ClampToInt.h
     Core/ColorName.h
+    Core/DecimalLogarithm.h
     Core/LegendPlacement.h
     Core/NewCurveColor.h
     Core/MissingValue.h
@@ -34,6 +35,7 @@ velquin_library(core
     Core/CalendarFields.cpp
     Core/CivilDate.cpp
     Core/ColorName.cpp
+    Core/DecimalLogarithm.cpp
     Core/LegendPlacement.cpp
     Core/NewCurveColor.cpp
     Core/NumberText.cpp

@@ -184,6 +184,36 @@ TEST(LogAxes, mapValuesBothWays) {
                 std::isnan(pseudo->validValuesRange().minimum));
 }
 
+TEST(LogAxes, mapManyValuesAsTheyMapOne) {
+    std::mt19937_64 random(5);
+    std::uniform_real_distribution<double> share(-0.2, 1.2), exponent(-3, 9);
+    const auto same = [](double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); };
+    for (const Kind kind : {Log, Pseudo}) {
+        // Deep in, some pixels lie between neighbouring logarithms.
+        for (const LogScale scale : {LogScale{0.3, 7e6, 1234}, {9.5e8, 9.5e8 + 1e-3, 4000}}) {
+            const auto axis = make(kind, scale);
+            std::vector<double> values = {0,    -0.0,   -10,    10,    std::nextafter(10, 0), nan, inf,
+                                          -inf, 5e-324, 1e-300, -1e300};
+            const XAxisTicks ticks = axis->ticks();
+            for (const XAxisTick& tick : *ticks)
+                values.push_back(tick.value);
+            while (values.size() < 2 * LogTransform::mostAtOnce + 3) {
+                values.push_back(scale.min + (scale.max - scale.min) * share(random));
+                values.push_back((random() % 2 == 0 ? 1 : -1) * std::pow(10, exponent(random)));
+            }
+            std::vector<float> pixels(values.size());
+            axis->valuesToPixelsFromToCount(values.data(), pixels.data(), values.size());
+            for (std::size_t i = 0; i < values.size(); ++i)
+                ASSERT_TRUE(same(pixels[i], static_cast<float>(axis->valueToPixel(values[i])))) << values[i];
+            axis->valueFromRangeTo(-5, pixels.size(), pixels.data());
+            for (std::size_t i = 0; i < pixels.size(); ++i) {
+                const auto one = static_cast<float>(axis->valueToPixel(static_cast<double>(i) - 5));
+                ASSERT_TRUE(same(pixels[i], std::isfinite(one) ? one : nan)) << i;
+            }
+        }
+    }
+}
+
 TEST(LogAxes, takeAndEditRanges) {
     const auto nothing = [](XAxis&) {};
     struct Row {

@@ -3,8 +3,10 @@
 
 #include "Classes/Axes/LinearTicks.h"
 #include "Core/ClampToInt.h"
+#include "Core/DecimalLogarithm.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <utility>
 
@@ -23,9 +25,18 @@ double powerOfTen(double exponent) {
 }
 
 double toPseudoLog(double value) {
-    if (value >= 10)
-        return std::log10(value);
-    return value <= -10 ? -std::log10(-value) : value / 10;
+    const double magnitude = std::abs(value);
+    return magnitude >= 10 ? std::copysign(decimalLogarithm(magnitude), value) : value / 10;
+}
+
+void toPseudoLogs(std::span<const double> values, std::span<double> logs) {
+    std::array<double, LogTransform::mostAtOnce> space;
+    const std::span<double> magnitudes = std::span(space).first(values.size());
+    for (std::size_t i = 0; i < values.size(); ++i)
+        magnitudes[i] = std::max(1.0, std::abs(values[i])); // of no use below 10, and usual even for NaN
+    decimalLogarithms(magnitudes, logs);
+    for (std::size_t i = 0; i < values.size(); ++i)
+        logs[i] = magnitudes[i] >= 10 ? std::copysign(logs[i], values[i]) : values[i] / 10;
 }
 
 double fromPseudoLog(double log) {
@@ -97,8 +108,8 @@ XAxisTicks inOrder(Marks marks, const LogTransform& transform) {
 
 } // namespace
 
-const LogTransform logTransform{[](double value) { return std::log10(value); }, powerOfTen};
-const LogTransform pseudoLogTransform{toPseudoLog, fromPseudoLog};
+const LogTransform logTransform{decimalLogarithm, powerOfTen, decimalLogarithms};
+const LogTransform pseudoLogTransform{toPseudoLog, fromPseudoLog, toPseudoLogs};
 
 AttributedLabel logDecadeLabel(int k) {
     return {QStringLiteral("10%1").arg(k), 2};

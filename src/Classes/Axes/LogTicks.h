@@ -3,10 +3,16 @@
 
 #include "Classes/Axes/XAxisTick.h"
 
+#include <cstddef>
+#include <span>
+
 /// From a value to the unit that lies evenly along the axis, and back; both ascending.
 struct LogTransform {
     double (*toLog)(double value);
     double (*fromLog)(double log);
+    /// `toLog` of each of at most `mostAtOnce` values, bit for bit, into as many places elsewhere.
+    void (*toLogs)(std::span<const double> values, std::span<double> logs);
+    static constexpr std::size_t mostAtOnce = 512;
 };
 
 /// Decades: log10(v) and 10^t. Values at or below 0 become minus infinity or NaN.

@@ -1,7 +1,10 @@
 // Maps by the decimal logarithm and bounds what has none.
 #include "Classes/Axes/XLogAxis.h"
 
+#include "Core/PixelMath.h"
+
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 
@@ -10,6 +13,8 @@ namespace {
 constexpr double leastValue = 1e-200;
 constexpr double greatestValue = 1e200;
 constexpr double valueForNone = 1e-10; // the minimum when none above 0 is asked for
+
+using LogBlock = std::array<double, LogTransform::mostAtOnce>;
 
 QString shortText(double value) {
     return QString::asprintf("%g", value);
@@ -30,7 +35,7 @@ void XLogAxis::setRangeMinMax(double min, double max) {
         return;
     min = std::max(min, leastValue);
     max = std::min(max, greatestValue);
-    storeLogRange(min, max, std::log10(min), max > 0 ? std::log10(max) : 0);
+    storeLogRange(min, max, m_transform.toLog(min), max > 0 ? m_transform.toLog(max) : 0);
 }
 
 void XLogAxis::storeLogRange(double min, double max, double minLog, double maxLog) {
@@ -53,18 +58,33 @@ double XLogAxis::valueToPixel(double value) const {
     return (m_transform.toLog(value) - m_minLogValue) * pixelsPerPoint();
 }
 
+/// `valueToPixel` of at most LogTransform::mostAtOnce values, narrowed.
+void XLogAxis::toPixels(std::span<const double> values, float* pixels) const {
+    LogBlock logs;
+    m_transform.toLogs(values, std::span(logs).first(values.size()));
+    const double min = m_minLogValue;
+    const double factor = pixelsPerPoint();
+    for (std::size_t i = 0; i < values.size(); ++i)
+        pixels[i] = static_cast<float>((logs[i] - min) * factor);
+}
+
 int XLogAxis::valuesToPixelsFromToCount(const double* from, float* to, std::size_t count) const {
-    for (std::size_t i = 0; i < count; ++i)
-        to[i] = static_cast<float>(XLogAxis::valueToPixel(from[i]));
+    const std::span all(from, count);
+    for (std::size_t at = 0; at < count; at += LogTransform::mostAtOnce)
+        toPixels(all.subspan(at, std::min(LogTransform::mostAtOnce, count - at)), to + at);
     return static_cast<int>(count) - 1;
 }
 
 int XLogAxis::valueFromRangeTo(std::int64_t location, std::size_t length, float* to) const {
-    for (std::size_t i = 0; i < length; ++i) {
-        const auto value = static_cast<double>(location + static_cast<std::int64_t>(i));
-        const double pixel = XLogAxis::valueToPixel(value);
-        to[i] = std::isfinite(pixel) ? static_cast<float>(pixel) : std::numeric_limits<float>::quiet_NaN();
+    LogBlock values;
+    for (std::size_t at = 0; at < length; at += values.size()) {
+        const std::span block = std::span(values).first(std::min(values.size(), length - at));
+        for (std::size_t i = 0; i < block.size(); ++i)
+            block[i] = static_cast<double>(location + static_cast<std::int64_t>(at + i));
+        toPixels(block, to + at);
     }
+    for (std::size_t i = 0; i < length; ++i)
+        to[i] = isFinite(to[i]) ? to[i] : std::numeric_limits<float>::quiet_NaN();
     return static_cast<int>(length) - 1;
 }
 

@@ -4,6 +4,8 @@
 #include "Classes/Axes/LogTicks.h"
 #include "Classes/Axes/XAxis.h"
 
+#include <span>
+
 /// Maps log10 of the value evenly onto pixels; only values above 0 have a place. Range edits work in
 /// transformed units. `pixelLengthToValue` has no meaning here: take the difference of two `pixelToValue`.
 /// Subclasses bring another transform with its marks and labels.
@@ -50,6 +52,7 @@ class XLogAxis : public XAxis {
     virtual XAxisTicks makeTicks() const;
 
   private:
+    void toPixels(std::span<const double> values, float* pixels) const;
     double pixelToLog(double pixel) const { return pixel / pixelsPerPoint() + m_minLogValue; }
     void setRangeMinLogMaxLog(double minLog, double maxLog);
 

@@ -9,7 +9,6 @@
 #include "Core/PolylineCompressor.h"
 #include "Core/SegmentClip.h"
 #include "Core/StrokeRasterizer.h"
-#include "Core/VectorState.h"
 #include "Platform/Core/Log.h"
 
 #include <QPainter>
@@ -196,7 +195,6 @@ QImage CurveRenderer::renderImage(const CurveSnapshot& curve, const XAxis& axisX
         return {};
     image.fill(Qt::transparent);
 
-    clearUpperVectorHalves(); // logarithmic axes call the C library for every row
     const double lineWidth = curve.lineWidth * devicePixelRatio;
     if (reader->hasColumns() && isVisible(curve.colorAlpha)) {
         if (curve.lineWidth >= 1) {
