@@ -1,4 +1,6 @@
 # render: curves to images and vectors, layout and drawing of the plot, pictures of it. No widgets.
+find_package(PNG REQUIRED)
+
 set(render_headers
   Classes/GraphViewController/ImageExport.h
   Classes/PlotView/CurvePixelReader.h
@@ -17,6 +19,7 @@ set(render_headers
   Classes/PlotView/PlotScene.h
   Classes/PlotView/PlotStyles.h
   Classes/PlotView/PlotText.h
+  Classes/PlotView/PngWriter.h
   Classes/PlotView/PointSprites.h
   Classes/PlotView/RecordedCanvas.h
   Classes/PlotView/RecordedPicture.h
@@ -41,6 +44,7 @@ set(render_sources
   Classes/PlotView/PlotScene.cpp
   Classes/PlotView/PlotStyles.cpp
   Classes/PlotView/PlotText.cpp
+  Classes/PlotView/PngWriter.cpp
   Classes/PlotView/PointSprites.cpp
   Classes/PlotView/RecordedCanvas.cpp
   Classes/PlotView/RecordedPicture.cpp
@@ -52,4 +56,5 @@ set(render_sources
 velquin_library(render
   HEADERS ${render_headers}
   SOURCES ${render_sources}
-  USES velquin_model Qt6::Gui Qt6::Svg)
+  USES velquin_model Qt6::Gui Qt6::Svg
+  PRIVATE_USES PNG::PNG)

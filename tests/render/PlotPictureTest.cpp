@@ -2,6 +2,7 @@
 #include "Classes/PlotView/PlotPicture.h"
 #include "Classes/Axes/XAxisManager.h"
 #include "Classes/GraphViewController/ImageExport.h"
+#include "Classes/PlotView/PngWriter.h"
 #include "support/TableSource.h"
 #include "support/TestSupport.h"
 
@@ -13,6 +14,8 @@
 #include <QSvgRenderer>
 
 #include <gtest/gtest.h>
+
+#include <random>
 
 namespace {
 
@@ -67,8 +70,11 @@ TEST(PlotPicture, drawsTheCurveAtNineTenthsWithinItsRooms) {
 TEST(PlotPicture, isWrittenInEachFormat) {
     PlotPictureOptions options = levelLine();
     options.plotAreaTitle = QStringLiteral("Ein Titel");
-    EXPECT_EQ(QImage::fromData(written(PictureFormat::Png, options, {300, 200, 1.5}), "PNG").size(),
-              QSize(450, 300));
+    const QImage drawnLarge = drawPicture(options, {300, 200, 1.5});
+    const QImage png = QImage::fromData(written(PictureFormat::Png, options, {300, 200, 1.5}), "PNG");
+    EXPECT_EQ(png.size(), QSize(450, 300));
+    EXPECT_EQ(png.convertToFormat(QImage::Format_RGB32), drawnLarge);
+    EXPECT_EQ(png.dotsPerMeterX(), drawnLarge.dotsPerMeterX());
     EXPECT_EQ(QImage::fromData(written(PictureFormat::Jpeg, options, {300, 200, 2}), "JPEG").size(),
               QSize(600, 400));
     const QByteArray pdf = written(PictureFormat::Pdf, options, {300, 200, 1});
@@ -112,6 +118,47 @@ TEST(PlotPicture, choosesTheFormatByEndingAndReportsFailures) {
     EXPECT_TRUE(writePicture(folder.path(QStringLiteral("none/p.png")), levelLine(), {}).has_value());
     EXPECT_TRUE(writePicture(folder.path(QStringLiteral("p.gif")), levelLine(), {}).has_value());
     EXPECT_EQ(folder.fileNames(), QStringList(QStringLiteral("p.svg")));
+}
+
+/// Takes `room` bytes; then takes no more, or asks for a stop.
+class EndingDevice : public QBuffer {
+  public:
+    EndingDevice(qint64 room, std::stop_source* stop) : m_room(room), m_stop(stop) { open(WriteOnly); }
+
+  protected:
+    qint64 writeData(const char* bytes, qint64 size) override {
+        if (this->size() + size > m_room && m_stop == nullptr)
+            return -1;
+        if (this->size() + size > m_room)
+            m_stop->request_stop();
+        return QBuffer::writeData(bytes, size);
+    }
+
+  private:
+    qint64 m_room;
+    std::stop_source* m_stop;
+};
+
+// What an encoder does not give back, AddressSanitizer finds when the tests have run.
+TEST(PngWriter, endsEarlyAndCleanlyAtAFailureAndAtAStop) {
+    QImage noise(300, 200, QImage::Format_RGB32);
+    std::mt19937 random(8);
+    for (int y = 0; y < noise.height(); ++y)
+        for (int x = 0; x < noise.width(); ++x)
+            noise.setPixel(x, y, static_cast<QRgb>(random()));
+    EndingDevice whole(1'000'000, nullptr);
+    ASSERT_EQ(writePng(noise, whole), std::nullopt);
+    for (const qint64 room : {qint64{0}, qint64{8}, qint64{40}, qint64{20'000}, whole.size() - 1}) {
+        EndingDevice failing(room, nullptr);
+        EXPECT_EQ(writePng(noise, failing), QStringLiteral("The device takes no more.")) << room;
+        EXPECT_EQ(failing.data(), whole.data().first(failing.size()));
+    }
+    std::stop_source stop;
+    EndingDevice stopping(20'000, &stop);
+    EXPECT_EQ(writePng(noise, stopping, stop.get_token()), QStringLiteral("It was stopped."));
+    EXPECT_LT(stopping.size(), 40'000);
+    EndingDevice unasked(0, nullptr);
+    EXPECT_TRUE(writePng(QImage(), unasked).has_value());
 }
 
 TEST(ImageExport, writesFilesAndTheClipboard) {

@@ -28,13 +28,6 @@ extern "C" std::size_t
 __sanitizer_get_current_allocated_bytes(); // NOLINT: the compiler brings no header for it
 #endif
 
-/// The toolkit's PNG encoder loses its list of rows (8 bytes each) when its device fails, which is how a look
-/// at a picture is ended early. What the soak bounds is all bytes in use.
-extern "C" const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() {
-    return "leak:libQt6Gui.so";
-}
-
 using namespace Qt::StringLiterals;
 
 namespace {

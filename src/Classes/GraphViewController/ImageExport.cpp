@@ -1,6 +1,8 @@
 // Encodes the picture and hands it to whoever keeps it.
 #include "Classes/GraphViewController/ImageExport.h"
 
+#include "Classes/PlotView/PngWriter.h"
+
 #include <QBuffer>
 #include <QClipboard>
 #include <QGuiApplication>
@@ -8,19 +10,18 @@
 #include <QMimeData>
 
 #include <memory>
+#include <optional>
 
 namespace ImageExport {
 namespace {
 
-constexpr int usualQuality = -1;
-
-PlacedFile::Result save(const QImage& image, const char* format, int quality, const QString& path) {
+/// `encode` writes to the device it is given, and returns the reason of a failure.
+template <class Encode>
+PlacedFile::Result save(const QString& path, Encode encode) {
     QBuffer bytes;
     bytes.open(QIODevice::WriteOnly);
-    QImageWriter writer(&bytes, format);
-    writer.setQuality(quality);
-    if (!writer.write(image))
-        return {PlacedFile::Result::Outcome::Failed, writer.errorString()};
+    if (const std::optional<QString> failure = encode(bytes))
+        return {PlacedFile::Result::Outcome::Failed, *failure};
     return PlacedFile::write(path, bytes.data(), {.existing = PlacedFile::Existing::Keep});
 }
 
@@ -29,7 +30,7 @@ PlacedFile::Result save(const QImage& image, const char* format, int quality, co
 bool copyToClipboard(const QImage& image) {
     QBuffer png;
     png.open(QIODevice::WriteOnly);
-    if (!image.save(&png, "PNG"))
+    if (writePng(image, png))
         return false;
     auto contents = std::make_unique<QMimeData>();
     // The bytes come first: other programs ask for them, and a picture alone would be encoded for each
@@ -41,11 +42,15 @@ bool copyToClipboard(const QImage& image) {
 }
 
 PlacedFile::Result saveAsJPEG(const QImage& image, const QString& path) {
-    return save(image, "JPEG", 100, path);
+    return save(path, [&](QIODevice& device) {
+        QImageWriter writer(&device, "JPEG");
+        writer.setQuality(100);
+        return writer.write(image) ? std::nullopt : std::optional(writer.errorString());
+    });
 }
 
 PlacedFile::Result saveAsPNG(const QImage& image, const QString& path) {
-    return save(image, "PNG", usualQuality, path);
+    return save(path, [&](QIODevice& device) { return writePng(image, device); });
 }
 
 } // namespace ImageExport

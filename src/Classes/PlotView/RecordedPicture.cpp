@@ -6,6 +6,7 @@
 #include "Classes/PlotView/CurveRenderer.h"
 #include "Classes/PlotView/LegendDrawing.h"
 #include "Classes/PlotView/PlotScene.h"
+#include "Classes/PlotView/PngWriter.h"
 
 #include <QImageWriter>
 #include <QPainter>
@@ -229,9 +230,9 @@ std::optional<QString> RecordedPicture::encode(QIODevice& device, const std::sto
     const QImage image = draw(stop);
     if (image.isNull())
         return u"There is no memory for a picture of this size."_s;
-    const bool isJpeg = m_format == PictureFormat::Jpeg;
-    QImageWriter writer(&device, isJpeg ? "jpeg" : "png");
-    if (isJpeg)
-        writer.setQuality(100);
+    if (m_format == PictureFormat::Png)
+        return writePng(image, device, stop);
+    QImageWriter writer(&device, "jpeg");
+    writer.setQuality(100);
     return writer.write(image) ? std::nullopt : std::optional(writer.errorString());
 }
