@@ -19,16 +19,16 @@ namespace {
 constexpr int mantissaBits = 52;
 constexpr int indexBits = 8;
 constexpr std::size_t entries = 1 << indexBits;
-constexpr std::uint64_t one = std::bit_cast<std::uint64_t>(1.0);
+constexpr std::uint64_t bitsOfOne = std::bit_cast<std::uint64_t>(1.0);
 constexpr std::uint64_t exponentMask = std::bit_cast<std::uint64_t>(-std::numeric_limits<double>::infinity());
-constexpr std::uint64_t leastNormal = std::bit_cast<std::uint64_t>(std::numeric_limits<double>::min());
-constexpr std::uint64_t greatest = std::bit_cast<std::uint64_t>(std::numeric_limits<double>::max());
+constexpr std::uint64_t bitsOfLeast = std::bit_cast<std::uint64_t>(std::numeric_limits<double>::min());
+constexpr std::uint64_t bitsOfGreatest = std::bit_cast<std::uint64_t>(std::numeric_limits<double>::max());
 
 // Compile-time arithmetic is in long double, whose 64 bits and more leave both halves of a constant exact
 // enough.
 constexpr long double ln10 = 2.302585092994045684017991454684364208L;
 
-/// 2 atanh((x - 1) / (x + 1)), for x from 1 to 2.
+/// log10 x for x from 1 to 2; the series is that of ln x = 2 atanh((x - 1) / (x + 1)).
 constexpr long double decimalLogarithmBySeries(long double x) {
     const long double s = (x - 1) / (x + 1);
     long double sum = 0;
@@ -79,7 +79,7 @@ constexpr double c6 = static_cast<double>(-ln10 * ln10 * ln10 * ln10 * ln10 / 6)
 
 /// The sign bit is set unless these are the bits of a normal number above 0.
 inline std::uint64_t unusualSign(std::uint64_t bits) {
-    return (bits - leastNormal) | (greatest - bits);
+    return (bits - bitsOfLeast) | (bitsOfGreatest - bits);
 }
 
 bool isUnusual(std::uint64_t sign) {
@@ -92,7 +92,7 @@ inline double ofNormal(double x, int bias = 1023) {
     const auto bits = std::bit_cast<std::uint64_t>(x);
     // Half a step of F more: from here on exponent and index are those of the closest F.
     const std::uint64_t rounded = bits + (std::uint64_t{1} << (mantissaBits - indexBits - 1));
-    const std::uint64_t toUnitScale = one - (rounded & exponentMask);
+    const std::uint64_t toUnitScale = bitsOfOne - (rounded & exponentMask);
     constexpr std::uint64_t stepMask = ~std::uint64_t{0} << (mantissaBits - indexBits);
     const auto m = std::bit_cast<double>(bits + toUnitScale);
     const auto f = std::bit_cast<double>((rounded + toUnitScale) & stepMask);
