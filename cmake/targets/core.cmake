@@ -8,6 +8,7 @@ velquin_library(core
     Core/ClampToInt.h
     Core/ColorName.h
     Core/DecimalLogarithm.h
+    Core/FullBlocks.h
     Core/LegendPlacement.h
     Core/NewCurveColor.h
     Core/MissingValue.h
@@ -36,6 +37,7 @@ velquin_library(core
     Core/CivilDate.cpp
     Core/ColorName.cpp
     Core/DecimalLogarithm.cpp
+    Core/FullBlocks.cpp
     Core/LegendPlacement.cpp
     Core/NewCurveColor.cpp
     Core/NumberText.cpp

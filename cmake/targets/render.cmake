@@ -5,6 +5,7 @@ set(render_headers
   Classes/GraphViewController/ImageExport.h
   Classes/PlotView/CurvePixelReader.h
   Classes/PlotView/CurveRenderer.h
+  Classes/PlotView/CurveStrokes.h
   Classes/PlotView/FitToData.h
   Classes/PlotView/LegendDrawing.h
   Classes/PlotView/MouseTicks.h
@@ -32,6 +33,7 @@ set(render_sources
   Classes/GraphViewController/ImageExport.cpp
   Classes/PlotView/CurvePixelReader.cpp
   Classes/PlotView/CurveRenderer.cpp
+  Classes/PlotView/CurveStrokes.cpp
   Classes/PlotView/FitToData.cpp
   Classes/PlotView/LegendDrawing.cpp
   Classes/PlotView/MouseTicks.cpp

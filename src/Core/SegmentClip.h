@@ -25,7 +25,7 @@ struct SegmentPart {
 };
 
 /// What of the segment from (x, y) to (x + dx, y + dy) lies within the box; none when at most a point does.
-/// For finite coordinates whose differences are finite.
+/// For finite coordinates whose differences are finite; the box may be without end at any side.
 inline std::optional<SegmentPart> clippedSegment(double x, double y, double dx, double dy,
                                                  const ClipBox& box) {
     SegmentPart part{0, 1};

@@ -15,8 +15,11 @@ namespace {
 constexpr int noRow = std::numeric_limits<int>::max();
 constexpr ClipBox nowhere{1, 1, 0, 0};
 constexpr double fullCoverage = 0.999; ///< painted as 1, and it only grows
-constexpr int leastBlockWidth = 8;
-constexpr int mostBlocks = 256; ///< the search for the full rectangle takes time by their square
+constexpr int fewestInnerColumns = 4;  ///< of a rectangle whose long edges are worth a loop of their own
+constexpr double flattestSlope = 1e-2; ///< of an edge whose ramps are told apart by more than rounding
+
+/// Two columns at once.
+using Pair = double __attribute__((vector_size(2 * sizeof(double))));
 
 } // namespace
 
@@ -53,57 +56,187 @@ struct StrokeRasterizer::Ramp {
     double first, second, third;
 };
 
+/// The ramps of one edge at the borders of some neighbouring columns. What is added to a column waits for
+/// what was added there last, so all columns get the ramps that begin there before they get those that end.
+struct StrokeRasterizer::RampsOfEdge {
+    static constexpr int mostColumns = 16;
+
+    /// Of an edge of slope `slope`, not 0, that enters the first column at `y`.
+    RampsOfEdge(double y, double slope, double sign, int count) {
+        const double steepness = sign / slope;
+        for (int i = 0; i <= count; ++i) {
+            const double height = y + slope * i;
+            rows[i] = static_cast<int>(height);
+            const double above = height - rows[i];
+            const double below = 1 - above;
+            first[i] = below * below * (steepness / 2);
+            third[i] = above * above * (steepness / 2);
+            second[i] = steepness - first[i] - third[i];
+        }
+    }
+
+    /// Adds to `count` columns, that lie `stride` apart, the ramps that begin at their left borders.
+    void addBegins(double* column, std::size_t stride, std::size_t count) const {
+        for (std::size_t i = 0; i < count; ++i, column += stride) {
+            double* const at = column + rows[i];
+            at[0] += first[i];
+            at[1] += second[i];
+            at[2] += third[i];
+        }
+    }
+    /// Takes away those that end at their right borders.
+    void subtractEnds(double* column, std::size_t stride, std::size_t count) const {
+        for (std::size_t i = 1; i <= count; ++i, column += stride) {
+            double* const at = column + rows[i];
+            at[0] -= first[i];
+            at[1] -= second[i];
+            at[2] -= third[i];
+        }
+    }
+
+    int rows[mostColumns + 1];
+    double first[mostColumns + 1], second[mostColumns + 1], third[mostColumns + 1];
+};
+
+/// A rectangle around a centre line, which may be upright where nobody asks for its slope.
+struct StrokeRasterizer::Segment {
+    Segment(Point from, Point to, Point normal, double halfWidth)
+        : corners{{{from.x - normal.x, from.y - normal.y},
+                   {to.x - normal.x, to.y - normal.y},
+                   {to.x + normal.x, to.y + normal.y},
+                   {from.x + normal.x, from.y + normal.y}}},
+          reach{std::abs(normal.x), std::abs(normal.y)}, begin(from), low(std::min(from.y, to.y)),
+          high(std::max(from.y, to.y)), slope((to.y - from.y) / (to.x - from.x)),
+          halfHeight(halfWidth * std::sqrt(1 + slope * slope)) {}
+
+    double centreAt(double x) const { return begin.y + slope * (x - begin.x); }
+
+    Rectangle corners;
+    Point reach; ///< of the corners from the ends of the centre line
+    Point begin; ///< of the centre line
+    double low;
+    double high;
+    double slope;
+    double halfHeight; ///< of a column that has no corner in it
+};
+
 StrokeRasterizer::StrokeRasterizer(int width, int height, double lineWidth)
     : m_width(width), m_height(height), m_halfWidth(lineWidth / 2),
       // Odd, so that columns do not compete for cache lines.
       m_columnStride((static_cast<std::size_t>(height) + 3) | 1U),
       m_columns(static_cast<std::size_t>(width) * m_columnStride),
       m_rows(static_cast<std::size_t>(width), Rows{noRow, 0}), m_firstColumn(width),
-      m_near(ClipBox::around(width, height, m_halfWidth + 1)), m_full(nowhere),
-      m_blockWidth(std::max(leastBlockWidth, (width + mostBlocks - 1) / mostBlocks)),
+      m_near(ClipBox::around(width, height, m_halfWidth + 1)), m_full(nowhere), m_blocks(width, height),
       m_cellsUntilSearch(cellsBetweenSearches()) {}
 
 std::int64_t StrokeRasterizer::cellsBetweenSearches() const {
-    return static_cast<std::int64_t>(m_width) * m_height;
+    return static_cast<std::int64_t>(m_width) * m_height / 2;
 }
 
+/// Adds a rectangle but for the blocks in which all that it draws on is full. `from` and `to` are the ends of
+/// its centre line.
 inline void StrokeRasterizer::addRectangle(Point from, Point to, Point normal) {
-    const Rectangle corners{{{from.x - normal.x, from.y - normal.y},
-                             {to.x - normal.x, to.y - normal.y},
-                             {to.x + normal.x, to.y + normal.y},
-                             {from.x + normal.x, from.y + normal.y}}};
-    const bool isLong = std::abs(to.x - from.x) > 2.0 * m_blockWidth;
-    if (isLong && !m_fullRuns.empty())
-        addWhereNotFull(corners, from, to, normal);
-    else
-        addOutline(corners, {0, m_width});
+    const Segment segment(from, to, normal, m_halfWidth);
+    const auto columnAt = [this](double x) { return static_cast<int>(std::clamp<double>(x, 0, m_width)); };
+    const auto [left, right] = std::minmax({from.x, to.x});
+    const Columns all{columnAt(left - segment.reach.x),
+                      std::min(columnAt(right + segment.reach.x) + 1, m_width)};
+    const Columns inner{columnAt(left + segment.reach.x) + 1, columnAt(right - segment.reach.x)};
+    if (inner.end - inner.first < fewestInnerColumns) {
+        if (!areFull(all, segment.low - segment.reach.y, segment.high + segment.reach.y))
+            addOutline(segment.corners, {0, m_width});
+        return;
+    }
+    addEnd(segment, {all.first, inner.first});
+    addInnerWhereNotFull(segment, inner);
+    addEnd(segment, {inner.end, all.end});
 }
 
-/// Adds a rectangle but for the blocks of columns in which all that it draws on is full. `from` and `to` are
-/// the ends of its centre line, which is not upright.
-void StrokeRasterizer::addWhereNotFull(const Rectangle& corners, Point from, Point to, Point normal) {
-    const double slope = (to.y - from.y) / (to.x - from.x);
-    const auto [left, right] = std::minmax(from.x, to.x);
-    const auto [low, high] = std::minmax(from.y, to.y);
-    const double reachX = std::abs(normal.x);
-    const double reachY = std::abs(normal.y);
-    const auto blockAt = [this](double x) {
-        return static_cast<int>(std::clamp<double>(x, 0, m_width)) / m_blockWidth;
-    };
-    const int end = std::min(blockAt(right + reachX) + 1, static_cast<int>(m_fullRuns.size()));
-    int pending = 0; // the first column that is not added yet
-    for (int block = blockAt(left - reachX); block < end; ++block) {
-        const Rows run = m_fullRuns[static_cast<std::size_t>(block)];
-        const Columns columns{block * m_blockWidth, (block + 1) * m_blockWidth};
-        // The part of the centre line that is drawn with in this block.
-        const double y0 = std::clamp(from.y + slope * (columns.first - reachX - from.x), low, high);
-        const double y1 = std::clamp(from.y + slope * (columns.end + reachX - from.x), low, high);
-        if (std::min(y0, y1) - reachY < run.first || std::max(y0, y1) + reachY > run.end)
-            continue;
-        addOutline(corners, {pending, columns.first});
-        pending = columns.end;
+/// Adds columns in which the rectangle has a corner, unless they are full there.
+inline void StrokeRasterizer::addEnd(const Segment& segment, Columns columns) {
+    const double y0 =
+        std::clamp(segment.centreAt(columns.first - segment.reach.x), segment.low, segment.high);
+    const double y1 = std::clamp(segment.centreAt(columns.end + segment.reach.x), segment.low, segment.high);
+    if (!areFull(columns, std::min(y0, y1) - segment.reach.y, std::max(y0, y1) + segment.reach.y))
+        addOutline(segment.corners, columns);
+}
+
+/// Adds those of the columns, in none of which the rectangle has a corner, where it is not full.
+inline void StrokeRasterizer::addInnerWhereNotFull(const Segment& segment, Columns columns) {
+    int pending = columns.first; // the first column that is not added yet
+    if (m_blocks.isAnyFull()) {
+        const int width = m_blocks.stackWidth();
+        int column = columns.first;
+        double y0 = segment.centreAt(column);
+        for (int stack = column / width; column < columns.end; ++stack) {
+            const int end = std::min(columns.end, (stack + 1) * width);
+            const double y1 = segment.centreAt(end);
+            if (m_blocks.covers(stack, std::min(y0, y1) - segment.halfHeight,
+                                std::max(y0, y1) + segment.halfHeight)) {
+                addInner(segment, {pending, column});
+                pending = end;
+            }
+            column = end;
+            y0 = y1;
+        }
     }
-    addOutline(corners, {pending, m_width});
+    addInner(segment, {pending, columns.end});
+}
+
+inline void StrokeRasterizer::addInner(const Segment& segment, Columns columns) {
+    if (columns.first >= columns.end)
+        return;
+    const double y0 = segment.centreAt(columns.first);
+    const double y1 = segment.centreAt(columns.end);
+    const double half = segment.halfHeight;
+    const bool isInPicture = std::min(y0, y1) >= half && std::max(y0, y1) <= m_height - half;
+    if (isInPicture && std::abs(segment.slope) >= flattestSlope)
+        addStrip(columns, y0 - half, y0 + half, segment.slope);
+    else
+        addOutline(segment.corners, columns);
+}
+
+/// Whether all rows from `low` to `high` are full in these columns.
+bool StrokeRasterizer::areFull(Columns columns, double low, double high) const {
+    if (!m_blocks.isAnyFull())
+        return false;
+    for (int stack = columns.first / m_blocks.stackWidth(); stack * m_blocks.stackWidth() < columns.end;
+         ++stack) {
+        if (!m_blocks.covers(stack, low, high))
+            return false;
+    }
+    return true;
+}
+
+/// Adds what lies between two parallel edges, that enter the first column at the heights `lower` and `upper`
+/// and stay within the picture.
+void StrokeRasterizer::addStrip(Columns columns, double lower, double upper, double slope) {
+    for (int first = columns.first; first < columns.end; first += RampsOfEdge::mostColumns) {
+        const Columns some{first, std::min(columns.end, first + RampsOfEdge::mostColumns)};
+        const auto count = static_cast<std::size_t>(some.end - some.first);
+        const double rise = slope * (first - columns.first);
+        const RampsOfEdge low(lower + rise, slope, 1, RampsOfEdge::mostColumns);
+        const RampsOfEdge high(upper + rise, slope, -1, RampsOfEdge::mostColumns);
+        double* const rows = rowsOf(first);
+        low.addBegins(rows, m_columnStride, count);
+        high.addBegins(rows, m_columnStride, count);
+        low.subtractEnds(rows, m_columnStride, count);
+        high.subtractEnds(rows, m_columnStride, count);
+        touch(some, std::min(low.rows[0], low.rows[count]), std::max(high.rows[0], high.rows[count]));
+    }
+    m_cellsUntilSearch -= std::int64_t{2} * (columns.end - columns.first);
+}
+
+/// Adds an edge that crosses these columns wholly, at most RampsOfEdge::mostColumns, and stays within the
+/// picture.
+inline void StrokeRasterizer::addWholeColumns(Columns columns, double y, double slope, double sign) {
+    const auto count = static_cast<std::size_t>(columns.end - columns.first);
+    const RampsOfEdge ramps(y, slope, sign, columns.end - columns.first);
+    double* const rows = rowsOf(columns.first);
+    ramps.addBegins(rows, m_columnStride, count);
+    ramps.subtractEnds(rows, m_columnStride, count);
+    touch(columns, ramps.rows[0], ramps.rows[count]);
+    m_cellsUntilSearch -= columns.end - columns.first;
 }
 
 /// Adds what of the rectangle lies in the given columns.
@@ -223,12 +356,10 @@ void StrokeRasterizer::addEdge(Point from, Point to, Columns columns) {
 void StrokeRasterizer::addWithinPicture(Point left, Point right, double sign) {
     const int first = static_cast<int>(left.x);
     const int last = std::min(static_cast<int>(right.x), m_width - 1);
-    m_firstColumn = std::min(m_firstColumn, first);
-    m_endColumn = std::max(m_endColumn, last + 1);
-    m_cellsUntilSearch -= last + 1 - first;
-    Ramp begin(left.y);
+    const Ramp begin(left.y);
+    const Ramp end(right.y);
     if (first == last) {
-        addToColumn(first, begin, Ramp(right.y), sign * (right.x - left.x));
+        addToColumn(first, begin, end, sign * (right.x - left.x));
         return;
     }
     const double slope = (right.y - left.y) / (right.x - left.x);
@@ -236,42 +367,39 @@ void StrokeRasterizer::addWithinPicture(Point left, Point right, double sign) {
     const auto rampAt = [&, low = low, high = high](int column) {
         return Ramp(std::clamp(left.y + slope * (column - left.x), low, high));
     };
-    Ramp end = rampAt(first + 1);
-    addToColumn(first, begin, end, sign * (first + 1 - left.x));
-    if (std::abs(slope) < 1e-2) {
-        for (int column = first + 1; column < last; ++column) {
-            begin = std::exchange(end, rampAt(column + 1));
-            addToColumn(column, begin, end, sign);
-        }
+    addToColumn(first, begin, rampAt(first + 1), sign * (first + 1 - left.x));
+    if (std::abs(slope) < flattestSlope) {
+        for (int column = first + 1; column < last; ++column)
+            addToColumn(column, rampAt(column), rampAt(column + 1), sign);
     } else {
-        // All these columns have the same slope, so what one of them ends with is what the next begins with.
-        double* rows = m_columns.data() + static_cast<std::size_t>(first + 1) * m_columnStride;
-        const double steepness = sign / slope;
-        begin = end.times(steepness);
-        for (int column = first + 1; column < last; ++column, rows += m_columnStride) {
-            end = Ramp(left.y + slope * (column + 1 - left.x)).times(steepness);
-            begin.addTo(rows);
-            end.subtractFrom(rows);
-            touch(column, begin, end);
-            begin = end;
-        }
-        end = rampAt(last);
+        for (int column = first + 1; column < last; column += RampsOfEdge::mostColumns)
+            addWholeColumns({column, std::min(last, column + RampsOfEdge::mostColumns)}, rampAt(column).y,
+                            slope, sign);
     }
-    addToColumn(last, end, Ramp(right.y), sign * (right.x - last));
+    addToColumn(last, rampAt(last), end, sign * (right.x - last));
 }
 
-inline void StrokeRasterizer::touch(int column, const Ramp& begin, const Ramp& end) {
-    Rows& touched = m_rows[static_cast<std::size_t>(column)];
-    const auto [low, high] = std::minmax(begin.row, end.row);
-    touched.first = std::min(touched.first, low);
-    touched.end = std::max(touched.end, high + 3);
+double* StrokeRasterizer::rowsOf(int column) {
+    return m_columns.data() + static_cast<std::size_t>(column) * m_columnStride;
+}
+
+/// Notes that ramps were added whose first rows lie from the one to the other.
+inline void StrokeRasterizer::touch(Columns columns, int oneRow, int otherRow) {
+    const Rows rows{std::min(oneRow, otherRow), std::max(oneRow, otherRow) + 3};
+    for (int column = columns.first; column < columns.end; ++column) {
+        Rows& touched = m_rows[static_cast<std::size_t>(column)];
+        touched = {std::min(touched.first, rows.first), std::max(touched.end, rows.end)};
+    }
+    m_firstColumn = std::min(m_firstColumn, columns.first);
+    m_endColumn = std::max(m_endColumn, columns.end);
 }
 
 /// An edge across one column, or a part of its width, from one height to the other.
 inline void StrokeRasterizer::addToColumn(int column, const Ramp& begin, const Ramp& end,
                                           double signedWidth) {
-    double* const rows = m_columns.data() + static_cast<std::size_t>(column) * m_columnStride;
-    touch(column, begin, end);
+    double* const rows = rowsOf(column);
+    touch({column, column + 1}, begin.row, end.row);
+    --m_cellsUntilSearch;
     const double rise = end.y - begin.y;
     if (std::abs(rise) < 1e-4) {
         // So flat, its place counts and not its shape.
@@ -288,60 +416,49 @@ inline void StrokeRasterizer::addToColumn(int column, const Ramp& begin, const R
     end.times(slope).subtractFrom(rows);
 }
 
-/// Of the rows of a column that are full, the longest run.
-StrokeRasterizer::Rows StrokeRasterizer::longestFullRun(int column) const {
-    const Rows touched = m_rows[static_cast<std::size_t>(column)];
-    const double* const rows = m_columns.data() + static_cast<std::size_t>(column) * m_columnStride;
-    const int end = std::min(touched.end, m_height);
-    Rows longest{0, 0};
-    double slope = 0;
-    double coverage = 0;
-    int first = touched.first;
-    for (int row = touched.first; row < end; ++row) {
-        slope += rows[row];
-        coverage += slope;
-        if (coverage < fullCoverage)
-            first = row + 1;
-        else if (row + 1 - first > longest.end - longest.first)
-            longest = {first, row + 1};
+/// The bands of a stack in which every pixel is full.
+FullBlocks::Bands StrokeRasterizer::fullBands(int stack) const {
+    constexpr int pairs = 4; // a sum waits for the one before, but not for those of other columns
+    const int firstColumn = stack * m_blocks.stackWidth();
+    const int endColumn = std::min(m_width, firstColumn + m_blocks.stackWidth());
+    FullBlocks::Bands full = m_blocks.allBands();
+    for (int first = firstColumn; first < endColumn && full != 0; first += 2 * pairs) {
+        const double* even[pairs];
+        const double* odd[pairs];
+        const auto column = [&](int i) {
+            return m_columns.data() +
+                   static_cast<std::size_t>(std::min(first + i, endColumn - 1)) * m_columnStride;
+        };
+        for (int i = 0; i < pairs; ++i) {
+            even[i] = column(2 * i);
+            odd[i] = column(2 * i + 1);
+        }
+        Pair slopes[pairs] = {};
+        Pair coverages[pairs] = {};
+        int row = 0;
+        for (int band = 0; band < m_blocks.bands(); ++band) {
+            Pair least{1, 1};
+            for (const int end = std::min(m_height, row + m_blocks.bandHeight()); row < end; ++row) {
+                for (int i = 0; i < pairs; ++i) {
+                    slopes[i] += Pair{even[i][row], odd[i][row]};
+                    coverages[i] += slopes[i];
+                    least = coverages[i] < least ? coverages[i] : least;
+                }
+            }
+            if (std::min(least[0], least[1]) < fullCoverage)
+                full &= ~(FullBlocks::Bands{1} << static_cast<unsigned>(band));
+        }
     }
-    return longest;
+    return full;
 }
 
 void StrokeRasterizer::findWhatIsFull() {
-    m_fullRuns.assign(static_cast<std::size_t>(m_width / m_blockWidth), Rows{0, m_height});
-    for (std::size_t block = 0; block < m_fullRuns.size(); ++block) {
-        Rows& run = m_fullRuns[block];
-        const int left = static_cast<int>(block) * m_blockWidth;
-        for (int column = left; column < left + m_blockWidth && run.first < run.end; ++column) {
-            const Rows own = longestFullRun(column);
-            run = {std::max(run.first, own.first), std::min(run.end, own.end)};
-        }
+    for (int stack = 0; stack < m_blocks.stacks(); ++stack) {
+        if (m_blocks.full(stack) != m_blocks.allBands())
+            m_blocks.setFull(stack, fullBands(stack));
     }
-    findFullBox();
+    m_full = m_blocks.greatestBox(m_halfWidth + 1);
     m_cellsUntilSearch = cellsBetweenSearches();
-}
-
-/// The greatest rectangle within the runs of the blocks, less what a stroke reaches to its sides.
-void StrokeRasterizer::findFullBox() {
-    double greatest = 0;
-    const double reach = m_halfWidth + 1;
-    for (std::size_t begin = 0; begin < m_fullRuns.size(); ++begin) {
-        Rows common{0, m_height};
-        for (std::size_t end = begin; end < m_fullRuns.size(); ++end) {
-            common = {std::max(common.first, m_fullRuns[end].first),
-                      std::min(common.end, m_fullRuns[end].end)};
-            const ClipBox box{static_cast<double>(begin) * m_blockWidth + reach, common.first + reach,
-                              static_cast<double>(end + 1) * m_blockWidth - reach, common.end - reach};
-            if (box.low >= box.high)
-                break;
-            const double area = (box.right - box.left) * (box.high - box.low);
-            if (box.left < box.right && area > greatest) {
-                greatest = area;
-                m_full = box;
-            }
-        }
-    }
 }
 
 void StrokeRasterizer::paint(PixelGrid image, const CoverageRamp& colors) {
@@ -353,14 +470,14 @@ void StrokeRasterizer::paint(PixelGrid image, const CoverageRamp& colors) {
     m_endColumn = 0;
     m_lastNormal = {0, 0};
     m_full = nowhere;
-    m_fullRuns.clear();
+    m_blocks.clear();
     m_lastIsInFull = false;
     m_cellsUntilSearch = cellsBetweenSearches();
 }
 
 void StrokeRasterizer::paintColumn(int column, PixelGrid image, const CoverageRamp& colors) {
     Rows& touched = m_rows[static_cast<std::size_t>(column)];
-    double* const rows = m_columns.data() + static_cast<std::size_t>(column) * m_columnStride;
+    double* const rows = rowsOf(column);
     const int end = std::min(touched.end, m_height);
     double slope = 0;
     double coverage = 0;

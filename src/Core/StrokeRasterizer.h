@@ -1,6 +1,7 @@
 // Strokes polylines into a picture of pixels: exact area coverage, each stroke one union.
 #pragma once
 
+#include "Core/FullBlocks.h"
 #include "Core/PremultipliedColor.h"
 #include "Core/SegmentClip.h"
 
@@ -23,10 +24,10 @@
 /// steep it is, and nothing is sorted. Doubles hold the sums without overflow: what is left of a ramp of
 /// slope s after it ended is below 1e-15 s for each row above it.
 ///
-/// A long line in no order soon covers most of the picture. Now and then it is looked where everything is
-/// full already: the longest run of rows of each block of columns, and the greatest rectangle within these
-/// runs. What a segment has within the rectangle is left out, and a segment that lies in it is gone after
-/// four comparisons; of the rest, the blocks in which it stays within the run.
+/// A long line in no order soon covers most of the picture. Now and then it is looked which blocks are full
+/// already, and for the greatest rectangle of them. What a segment has within the rectangle is left out, and
+/// a segment that lies in it is gone after four comparisons; of the rest, the blocks that are full where it
+/// crosses them.
 class StrokeRasterizer {
   public:
     /// `width` and `height` in pixels, not negative; takes 8 bytes a pixel. `lineWidth` in pixels, positive.
@@ -54,22 +55,29 @@ class StrokeRasterizer {
         int end;
     };
     struct Ramp;
+    struct RampsOfEdge;
+    struct Segment;
     using Rectangle = std::array<Point, 4>; ///< corners counter-clockwise
 
     void addSegment(Point from, Point to, Point normal);
     void addRectangle(Point from, Point to, Point normal);
-    void addWhereNotFull(const Rectangle& corners, Point from, Point to, Point normal);
     void addOutline(const Rectangle& corners, Columns columns);
+    void addEnd(const Segment& segment, Columns columns);
+    void addInnerWhereNotFull(const Segment& segment, Columns columns);
+    void addInner(const Segment& segment, Columns columns);
+    void addStrip(Columns columns, double lower, double upper, double slope);
+    bool areFull(Columns columns, double low, double high) const;
     void addBevel(Point at, Point normalBefore, Point normalAfter);
     void addEdge(Point from, Point to, Columns columns);
     void addWithinPicture(Point left, Point right, double sign);
-    void touch(int column, const Ramp& begin, const Ramp& end);
+    void addWholeColumns(Columns columns, double y, double slope, double sign);
+    double* rowsOf(int column); ///< the lowest of its second differences
+    void touch(Columns columns, int oneRow, int otherRow);
     void addToColumn(int column, const Ramp& begin, const Ramp& end, double signedWidth);
     void paintColumn(int column, PixelGrid image, const CoverageRamp& colors);
     std::int64_t cellsBetweenSearches() const;
     void findWhatIsFull();
-    void findFullBox();
-    Rows longestFullRun(int column) const;
+    FullBlocks::Bands fullBands(int stack) const;
 
     int m_width;
     int m_height;
@@ -82,10 +90,9 @@ class StrokeRasterizer {
     int m_firstColumn;        ///< the columns that were added to
     int m_endColumn = 0;
 
-    ClipBox m_near;   ///< what lies outside cannot touch the picture
-    ClipBox m_full;   ///< a centre line in here draws where everything is full
-    int m_blockWidth; ///< columns of a block; what is left of the picture behind the last one is in none
-    std::vector<Rows> m_fullRuns; ///< of each block, rows that are full in all its columns; empty: not known
+    ClipBox m_near; ///< what lies outside cannot touch the picture
+    ClipBox m_full; ///< a centre line in here draws where everything is full
+    FullBlocks m_blocks;
     std::int64_t
         m_cellsUntilSearch; ///< columns that edges may cross until it is looked again for what is full
 

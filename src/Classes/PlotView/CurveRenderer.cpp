@@ -3,12 +3,12 @@
 
 #include "Classes/Axes/XAxis.h"
 #include "Classes/PlotView/CurvePixelReader.h"
+#include "Classes/PlotView/CurveStrokes.h"
 #include "Classes/PlotView/PointSprites.h"
 #include "Core/Assertions.h"
 #include "Core/PixelMath.h"
 #include "Core/PolylineCompressor.h"
 #include "Core/SegmentClip.h"
-#include "Core/StrokeRasterizer.h"
 #include "Platform/Core/Log.h"
 
 #include <QPainter>
@@ -79,32 +79,6 @@ class LineDrawing {
     Sink& m_sink;
     const std::stop_token& m_stop;
     int m_segmentsInCurve = 0;
-};
-
-/// Sub-paths as strokes in an image.
-class ImageStrokes {
-  public:
-    ImageStrokes(QImage& image, double lineWidth, const RgbaColor& color, double opacity)
-        : m_rasterizer(image.width(), image.height(), lineWidth), m_grid{reinterpret_cast<std::uint32_t*>(
-                                                                             image.bits()),
-                                                                         image.bytesPerLine() / 4},
-          m_colors(coverageRamp(color.red, color.green, color.blue, opacity)), m_isOpaque(opacity >= 1) {}
-
-    void moveTo(float x, float y) { m_rasterizer.moveTo(x, y); }
-    void lineTo(float x, float y) { m_rasterizer.lineTo(x, y); }
-    void strokePath() {
-        // An opaque stroke over an opaque one of its own colour changes nothing: all are painted at once,
-        // which saves a table full of gaps from painting the same pixels again and again.
-        if (!m_isOpaque)
-            finish();
-    }
-    void finish() { m_rasterizer.paint(m_grid, m_colors); }
-
-  private:
-    StrokeRasterizer m_rasterizer;
-    PixelGrid m_grid;
-    CoverageRamp m_colors;
-    bool m_isOpaque;
 };
 
 /// Sub-paths as strokes of a painter, in points, y downwards. What lies far outside is cut off: no vector
@@ -198,7 +172,15 @@ QImage CurveRenderer::renderImage(const CurveSnapshot& curve, const XAxis& axisX
     const double lineWidth = curve.lineWidth * devicePixelRatio;
     if (reader->hasColumns() && isVisible(curve.colorAlpha)) {
         if (curve.lineWidth >= 1) {
-            ImageStrokes strokes(image, lineWidth, curve.color, curve.colorAlpha);
+            const RgbaColor& color = curve.color;
+            CurveStrokes strokes(
+                {.image = {reinterpret_cast<std::uint32_t*>(image.bits()), image.bytesPerLine() / 4},
+                 .width = width,
+                 .height = height,
+                 .lineWidth = lineWidth,
+                 .colors = coverageRamp(color.red, color.green, color.blue, curve.colorAlpha),
+                 .isOpaque = curve.colorAlpha >= 1},
+                stop);
             LineDrawing(strokes, stop).run(*reader, *deviceX, *deviceY);
             strokes.finish();
         } else if (reader->ticksNeeded()) {
