@@ -7,6 +7,6 @@
 /// 0.51 where the result is beyond +-0.1. Minus infinity at 0, NaN below 0 and of NaN.
 double decimalLogarithm(double value);
 
-/// `decimalLogarithm` of each of `values`, bit for bit, to `logarithms`, which must be as long. A third of
-/// the time where all are finite, above 0 and not denormal.
+/// `decimalLogarithm` of each of `values`, bit for bit, to `logarithms`, which must be as long. Fastest where
+/// all are normal and above 0.
 void decimalLogarithms(std::span<const double> values, std::span<double> logarithms);
