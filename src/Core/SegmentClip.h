@@ -12,6 +12,11 @@ struct ClipBox {
     double high;
 
     bool contains(double x, double y) const { return x >= left && x <= right && y >= low && y <= high; }
+    /// Whether two points lie beyond the same border, so that nothing between them lies within.
+    bool separates(double x0, double y0, double x1, double y1) const {
+        return std::max(x0, x1) < left || std::min(x0, x1) > right || std::max(y0, y1) < low ||
+               std::min(y0, y1) > high;
+    }
     /// The picture of this size, with `margin` around it.
     static ClipBox around(double width, double height, double margin) {
         return {-margin, -margin, width + margin, height + margin};

@@ -15,6 +15,7 @@ namespace {
 constexpr int noRow = std::numeric_limits<int>::max();
 constexpr ClipBox nowhere{1, 1, 0, 0};
 constexpr double fullCoverage = 0.999; ///< painted as 1, and it only grows
+constexpr int workOfRectangle = 8;     ///< besides its columns, in those of an edge
 constexpr int fewestInnerColumns = 4;  ///< of a rectangle whose long edges are worth a loop of their own
 constexpr double flattestSlope = 1e-2; ///< of an edge whose ramps are told apart by more than rounding
 
@@ -127,9 +128,9 @@ StrokeRasterizer::StrokeRasterizer(int width, int height, double lineWidth)
       m_columns(static_cast<std::size_t>(width) * m_columnStride),
       m_rows(static_cast<std::size_t>(width), Rows{noRow, 0}), m_firstColumn(width),
       m_near(ClipBox::around(width, height, m_halfWidth + 1)), m_full(nowhere), m_blocks(width, height),
-      m_cellsUntilSearch(cellsBetweenSearches()) {}
+      m_workUntilSearch(workBetweenSearches()) {}
 
-std::int64_t StrokeRasterizer::cellsBetweenSearches() const {
+std::int64_t StrokeRasterizer::workBetweenSearches() const {
     return static_cast<std::int64_t>(m_width) * m_height / 2;
 }
 
@@ -137,6 +138,7 @@ std::int64_t StrokeRasterizer::cellsBetweenSearches() const {
 /// its centre line.
 inline void StrokeRasterizer::addRectangle(Point from, Point to, Point normal) {
     const Segment segment(from, to, normal, m_halfWidth);
+    m_workUntilSearch -= workOfRectangle;
     const auto columnAt = [this](double x) { return static_cast<int>(std::clamp<double>(x, 0, m_width)); };
     const auto [left, right] = std::minmax({from.x, to.x});
     const Columns all{columnAt(left - segment.reach.x),
@@ -166,6 +168,7 @@ inline void StrokeRasterizer::addInnerWhereNotFull(const Segment& segment, Colum
     int pending = columns.first; // the first column that is not added yet
     if (m_blocks.isAnyFull()) {
         const int width = m_blocks.stackWidth();
+        m_workUntilSearch -= (columns.end - columns.first) / width;
         int column = columns.first;
         double y0 = segment.centreAt(column);
         for (int stack = column / width; column < columns.end; ++stack) {
@@ -224,7 +227,7 @@ void StrokeRasterizer::addStrip(Columns columns, double lower, double upper, dou
         high.subtractEnds(rows, m_columnStride, count);
         touch(some, std::min(low.rows[0], low.rows[count]), std::max(high.rows[0], high.rows[count]));
     }
-    m_cellsUntilSearch -= std::int64_t{2} * (columns.end - columns.first);
+    m_workUntilSearch -= std::int64_t{2} * (columns.end - columns.first);
 }
 
 /// Adds an edge that crosses these columns wholly, at most RampsOfEdge::mostColumns, and stays within the
@@ -236,7 +239,7 @@ inline void StrokeRasterizer::addWholeColumns(Columns columns, double y, double 
     ramps.addBegins(rows, m_columnStride, count);
     ramps.subtractEnds(rows, m_columnStride, count);
     touch(columns, ramps.rows[0], ramps.rows[count]);
-    m_cellsUntilSearch -= columns.end - columns.first;
+    m_workUntilSearch -= columns.end - columns.first;
 }
 
 /// Adds what of the rectangle lies in the given columns.
@@ -295,9 +298,10 @@ void StrokeRasterizer::moveTo(double x, double y) {
 void StrokeRasterizer::lineTo(double x, double y) {
     const Point to{x, y};
     const bool isInFull = m_full.contains(x, y);
-    if (isInFull && m_lastIsInFull) {
+    if ((isInFull && m_lastIsInFull) || m_near.separates(m_last.x, m_last.y, x, y)) {
         m_last = to;
         m_lastNormal = {0, 0}; // nothing of the next join can be seen
+        m_lastIsInFull = isInFull;
         return;
     }
     const double dx = x - m_last.x;
@@ -310,7 +314,7 @@ void StrokeRasterizer::lineTo(double x, double y) {
     if (!m_lastIsInFull && m_near.contains(m_last.x, m_last.y))
         addBevel(m_last, m_lastNormal, normal);
     addSegment(m_last, to, normal);
-    if (m_cellsUntilSearch <= 0)
+    if (m_workUntilSearch <= 0)
         findWhatIsFull();
     m_last = to;
     m_lastNormal = normal;
@@ -399,7 +403,7 @@ inline void StrokeRasterizer::addToColumn(int column, const Ramp& begin, const R
                                           double signedWidth) {
     double* const rows = rowsOf(column);
     touch({column, column + 1}, begin.row, end.row);
-    --m_cellsUntilSearch;
+    --m_workUntilSearch;
     const double rise = end.y - begin.y;
     if (std::abs(rise) < 1e-4) {
         // So flat, its place counts and not its shape.
@@ -458,7 +462,7 @@ void StrokeRasterizer::findWhatIsFull() {
             m_blocks.setFull(stack, fullBands(stack));
     }
     m_full = m_blocks.greatestBox(m_halfWidth + 1);
-    m_cellsUntilSearch = cellsBetweenSearches();
+    m_workUntilSearch = workBetweenSearches();
 }
 
 void StrokeRasterizer::paint(PixelGrid image, const CoverageRamp& colors) {
@@ -472,7 +476,7 @@ void StrokeRasterizer::paint(PixelGrid image, const CoverageRamp& colors) {
     m_full = nowhere;
     m_blocks.clear();
     m_lastIsInFull = false;
-    m_cellsUntilSearch = cellsBetweenSearches();
+    m_workUntilSearch = workBetweenSearches();
 }
 
 void StrokeRasterizer::paintColumn(int column, PixelGrid image, const CoverageRamp& colors) {

@@ -75,7 +75,7 @@ class StrokeRasterizer {
     void touch(Columns columns, int oneRow, int otherRow);
     void addToColumn(int column, const Ramp& begin, const Ramp& end, double signedWidth);
     void paintColumn(int column, PixelGrid image, const CoverageRamp& colors);
-    std::int64_t cellsBetweenSearches() const;
+    std::int64_t workBetweenSearches() const;
     void findWhatIsFull();
     FullBlocks::Bands fullBands(int stack) const;
 
@@ -93,8 +93,8 @@ class StrokeRasterizer {
     ClipBox m_near; ///< what lies outside cannot touch the picture
     ClipBox m_full; ///< a centre line in here draws where everything is full
     FullBlocks m_blocks;
-    std::int64_t
-        m_cellsUntilSearch; ///< columns that edges may cross until it is looked again for what is full
+    /// Columns that edges may cross, and what takes as long, until it is looked again for what is full.
+    std::int64_t m_workUntilSearch;
 
     Point m_last{0, 0};
     bool m_lastIsInFull = false;
