@@ -4,6 +4,7 @@
 #include "Classes/Axes/XAxisManager.h"
 #include "Classes/PlotView/PainterCanvas.h"
 #include "Classes/PlotView/PlotScene.h"
+#include "Platform/Core/FreedMemory.h"
 #include "Platform/Core/MainThread.h"
 #include "support/TableSource.h"
 
@@ -116,6 +117,7 @@ int main(int argc, char** argv) {
     int rows = 10'000'000;
     if (argc > 1)
         std::from_chars(argv[1], argv[1] + std::strlen(argv[1]), rows);
+    FreedMemory::goesBackToTheSystem(); // as the program has it
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
     const MainThreadLoop mainThreadLoop;

@@ -8,6 +8,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
+#include <memory>
 #include <vector>
 
 /// Lines of one width with bevel joins and butt caps, antialiased. Coordinates are pixels, y upwards from the
@@ -84,8 +86,9 @@ class StrokeRasterizer {
     double m_halfWidth;
     std::size_t
         m_columnStride; ///< doubles of a column: its rows, and three for what begins at the upper edge
-    std::vector<double>
-        m_columns;            ///< second differences of the coverage, upwards; zero where nothing was added
+    /// Second differences of the coverage, upwards; zero where nothing was added. Zeros of the system's own,
+    /// so that only pages that are drawn on are ever fetched.
+    std::unique_ptr<double[], decltype(&std::free)> m_columns;
     std::vector<Rows> m_rows; ///< of each column, the rows that were added to
     int m_firstColumn;        ///< the columns that were added to
     int m_endColumn = 0;
