@@ -107,17 +107,8 @@ struct StrokeRasterizer::RampsOfEdge {
     double first[mostColumns + 1], second[mostColumns + 1], third[mostColumns + 1];
 };
 
-/// A rectangle around a centre line, which may be upright where nobody asks for its slope.
+/// A rectangle around a centre line that is not upright.
 struct StrokeRasterizer::Segment {
-    Segment(Point from, Point to, Point normal, double halfWidth)
-        : corners{{{from.x - normal.x, from.y - normal.y},
-                   {to.x - normal.x, to.y - normal.y},
-                   {to.x + normal.x, to.y + normal.y},
-                   {from.x + normal.x, from.y + normal.y}}},
-          reach{std::abs(normal.x), std::abs(normal.y)}, begin(from), low(std::min(from.y, to.y)),
-          high(std::max(from.y, to.y)), slope((to.y - from.y) / (to.x - from.x)),
-          halfHeight(halfWidth * std::sqrt(1 + slope * slope)) {}
-
     double centreAt(double x) const { return begin.y + slope * (x - begin.x); }
 
     Rectangle corners;
@@ -145,18 +136,31 @@ std::int64_t StrokeRasterizer::workBetweenSearches() const {
 /// Adds a rectangle but for the blocks in which all that it draws on is full. `from` and `to` are the ends of
 /// its centre line.
 inline void StrokeRasterizer::addRectangle(Point from, Point to, Point normal) {
-    const Segment segment(from, to, normal, m_halfWidth);
-    m_workUntilSearch -= workOfRectangle;
-    const auto columnAt = [this](double x) { return static_cast<int>(std::clamp<double>(x, 0, m_width)); };
+    const Rectangle corners{{{from.x - normal.x, from.y - normal.y},
+                             {to.x - normal.x, to.y - normal.y},
+                             {to.x + normal.x, to.y + normal.y},
+                             {from.x + normal.x, from.y + normal.y}}};
+    const Point reach{std::abs(normal.x), std::abs(normal.y)};
     const auto [left, right] = std::minmax({from.x, to.x});
-    const Columns all{columnAt(left - segment.reach.x),
-                      std::min(columnAt(right + segment.reach.x) + 1, m_width)};
-    const Columns inner{columnAt(left + segment.reach.x) + 1, columnAt(right - segment.reach.x)};
-    if (inner.end - inner.first < fewestInnerColumns) {
-        if (!areFull(all, segment.low - segment.reach.y, segment.high + segment.reach.y))
-            addOutline(segment.corners, {0, m_width});
-        return;
+    const auto [low, high] = std::minmax({from.y, to.y});
+    const Columns all{columnAt(left - reach.x), std::min(columnAt(right + reach.x) + 1, m_width)};
+    const Columns inner{columnAt(left + reach.x) + 1, columnAt(right - reach.x)};
+    if (inner.end - inner.first >= fewestInnerColumns) {
+        const double slope = (to.y - from.y) / (to.x - from.x);
+        const double halfHeight = m_halfWidth * std::sqrt(1 + slope * slope);
+        addLong({corners, reach, from, low, high, slope, halfHeight}, all, inner);
+    } else if (!areFull(all, low - reach.y, high + reach.y)) {
+        addOutline(corners, {0, m_width});
     }
+}
+
+inline int StrokeRasterizer::columnAt(double x) const {
+    return static_cast<int>(std::clamp<double>(x, 0, m_width));
+}
+
+/// Adds a rectangle that has a part in the columns `all`, but no corner in the columns `inner`.
+void StrokeRasterizer::addLong(const Segment& segment, Columns all, Columns inner) {
+    m_workUntilSearch -= workOfRectangle;
     addEnd(segment, {all.first, inner.first});
     addInnerWhereNotFull(segment, inner);
     addEnd(segment, {inner.end, all.end});

@@ -64,6 +64,8 @@ class StrokeRasterizer {
     void addSegment(Point from, Point to, Point normal);
     void addRectangle(Point from, Point to, Point normal);
     void addOutline(const Rectangle& corners, Columns columns);
+    void addLong(const Segment& segment, Columns all, Columns inner);
+    int columnAt(double x) const; ///< m_width beyond the last one
     void addEnd(const Segment& segment, Columns columns);
     void addInnerWhereNotFull(const Segment& segment, Columns columns);
     void addInner(const Segment& segment, Columns columns);
