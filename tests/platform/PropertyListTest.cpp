@@ -1,5 +1,6 @@
 // Property lists: both forms against an independent implementation, and hostile input.
 #include "Platform/Core/PropertyList.h"
+#include "support/Numbers.h"
 #include "support/TestSupport.h"
 
 #include <QDateTime>
@@ -8,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <cfloat>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -49,21 +51,9 @@ bool same(const QVariant& a, const QVariant& b) {
 }
 
 QVariantList hardDoubles() {
-    using Limits = std::numeric_limits<double>;
-    return {-0.0,
-            0.1,
-            1.0 / 3,
-            1e22,
-            1e23,
-            123456789012345678.0,
-            -2.5,
-            Limits::max(),
-            Limits::min(),
-            Limits::denorm_min(),
-            Limits::infinity(),
-            -Limits::infinity(),
-            Limits::quiet_NaN(),
-            -Limits::quiet_NaN()};
+    constexpr double inf = support::inf, nan = support::nan;
+    return {-0.0,         0.1, 1.0 / 3, 1e22, 1e23, 123456789012345678.0, -2.5, DBL_MAX, DBL_MIN,
+            DBL_TRUE_MIN, inf, -inf,    nan,  -nan};
 }
 
 class RandomValues {

@@ -25,6 +25,48 @@ struct Sheet {
         set(newText, name);
         endTurn();
     }
+    /// What a row of a table says: a digit is set as the text, and
+    /// . ends the turn        | closes its step early   * is a saving      - clears the history
+    /// ( begins a group       ) ends it                 ! cancels it       ? names a change that is none
+    /// < undoes               > redoes
+    void perform(const char* script) {
+        for (const QChar command : QString::fromLatin1(script)) {
+            switch (command.toLatin1()) {
+            case '.':
+                endTurn();
+                break;
+            case '|':
+                undo.closeTurnGroup();
+                break;
+            case '*':
+                undo.setClean();
+                break;
+            case '-':
+                undo.removeAllActions();
+                break;
+            case '(':
+                undo.beginUndoGrouping();
+                break;
+            case ')':
+                undo.endUndoGrouping();
+                break;
+            case '!':
+                undo.cancelUndoGrouping();
+                break;
+            case '?':
+                undo.setActionName(u"Nothing"_qs);
+                break;
+            case '<':
+                undo.undo();
+                break;
+            case '>':
+                undo.redo();
+                break;
+            default:
+                set(command);
+            }
+        }
+    }
 };
 
 TEST(UndoManager, undoRedoUndoWalksTheSameStatesAndKeepsTheNames) {
@@ -56,85 +98,23 @@ TEST(UndoManager, undoRedoUndoWalksTheSameStatesAndKeepsTheNames) {
 TEST(UndoManager, whatIsOneStep) {
     struct Row {
         const char* name;
-        std::function<void(Sheet&)> edit;
-        QString afterOneUndo;
+        const char* edit; ///< begins at text "0"
+        const char* afterOneUndo;
     };
-    const std::vector<Row> rows{
-        {"one turn is one step",
-         [](Sheet& s) {
-             s.set(u"a"_qs);
-             s.set(u"b"_qs);
-         },
-         u"0"_qs},
-        {"two turns are two",
-         [](Sheet& s) {
-             s.step(u"a"_qs);
-             s.step(u"b"_qs);
-         },
-         u"a"_qs},
-        {"a turn's step closed early",
-         [](Sheet& s) {
-             s.set(u"a"_qs);
-             s.undo.closeTurnGroup();
-             s.set(u"b"_qs);
-         },
-         u"a"_qs},
-        {"a group by hand spans turns",
-         [](Sheet& s) {
-             s.undo.beginUndoGrouping();
-             s.step(u"a"_qs);
-             s.undo.beginUndoGrouping();
-             s.step(u"b"_qs);
-             s.undo.endUndoGrouping();
-             s.step(u"c"_qs);
-             s.undo.endUndoGrouping();
-         },
-         u"0"_qs},
-        {"a group by hand leaves the turn before it out",
-         [](Sheet& s) {
-             s.set(u"a"_qs);
-             s.undo.beginUndoGrouping();
-             s.set(u"b"_qs);
-             s.undo.endUndoGrouping();
-         },
-         u"a"_qs},
-        {"a cancelled group leaves no step",
-         [](Sheet& s) {
-             s.step(u"a"_qs);
-             s.undo.beginUndoGrouping();
-             s.step(u"b"_qs);
-             s.set(u"a"_qs);
-             s.undo.cancelUndoGrouping();
-         },
-         u"0"_qs},
-        {"a group cancelled within another belongs to it",
-         [](Sheet& s) {
-             s.undo.beginUndoGrouping();
-             s.step(u"a"_qs);
-             s.undo.beginUndoGrouping();
-             s.undo.cancelUndoGrouping();
-             s.undo.endUndoGrouping();
-         },
-         u"0"_qs},
-        {"a group without changes is none",
-         [](Sheet& s) {
-             s.step(u"a"_qs);
-             s.undo.beginUndoGrouping();
-             s.undo.setActionName(u"Nothing"_qs);
-             s.undo.endUndoGrouping();
-             s.undo.setActionName(u"Nothing"_qs);
-             Sheet::endTurn();
-         },
-         u"0"_qs},
-    };
-    for (const Row& row : rows) {
+    for (const Row& row : {Row{"one turn is one step", "12", "0"}, Row{"two turns are two", "1.2.", "1"},
+                           Row{"a turn's step closed early", "1|2", "1"},
+                           Row{"a group by hand spans turns", "(1.(2.)3.)", "0"},
+                           Row{"a group by hand leaves the turn before it out", "1(2)", "1"},
+                           Row{"a cancelled group leaves no step", "1.(2.1!", "0"},
+                           Row{"a group cancelled within another belongs to it", "(1.(!)", "0"},
+                           Row{"a group without changes is none", "1.(?)?.", "0"}}) {
         SCOPED_TRACE(row.name);
         Sheet sheet;
-        sheet.step(u"0"_qs);
-        row.edit(sheet);
+        sheet.perform("0.");
+        sheet.perform(row.edit);
         const QString edited = sheet.text;
         sheet.undo.undo();
-        EXPECT_EQ(sheet.text, row.afterOneUndo);
+        EXPECT_EQ(sheet.text, QLatin1String(row.afterOneUndo));
         sheet.undo.redo();
         EXPECT_EQ(sheet.text, edited);
     }
@@ -156,111 +136,43 @@ TEST(UndoManager, nothingIsUndoneWhileAGroupIsOpenByHandAndAnUnpairedEndIsAProgr
 
 TEST(UndoManager, keepsTheNewestLevels) {
     Sheet sheet;
-    sheet.undo.setLevelsOfUndo(10);
-    for (int i = 1; i <= 12; ++i)
-        sheet.step(QString::number(i));
-    int undone = 0;
-    for (; sheet.undo.canUndo(); ++undone)
-        sheet.undo.undo();
-    EXPECT_EQ(undone, 10);
+    sheet.undo.setLevelsOfUndo(2);
+    sheet.perform("1.2.3.4.<<<");
     EXPECT_EQ(sheet.text, u"2"_qs);
 }
 
 TEST(UndoManager, theCleanMarkIsFoundAgainOrLostForGood) {
     struct Row {
         const char* name;
-        std::function<void(Sheet&)> edit; ///< begins clean at text "0", two levels at most
+        const char* edit; ///< begins clean at text "0", two levels at most
         bool clean;
     };
-    const auto undo = [](Sheet& s) { s.undo.undo(); };
-    const std::vector<Row> rows{
-        {"untouched", [](Sheet&) {}, true},
-        {"changed", [](Sheet& s) { s.set(u"1"_qs); }, false},
-        {"changed and undone",
-         [&](Sheet& s) {
-             s.set(u"1"_qs);
-             undo(s);
-         },
-         true},
-        {"undone beyond", undo, false},
-        {"undone beyond and redone",
-         [&](Sheet& s) {
-             undo(s);
-             s.undo.redo();
-         },
-         true},
-        {"the branch of the mark was cut off",
-         [&](Sheet& s) {
-             undo(s);
-             s.step(u"1"_qs);
-         },
-         false},
-        {"the group of the mark was dropped",
-         [&](Sheet& s) {
-             s.step(u"1"_qs);
-             s.step(u"2"_qs);
-             s.step(u"3"_qs);
-             undo(s);
-             undo(s);
-         },
-         false},
-        {"the groups before the mark were dropped",
-         [&](Sheet& s) {
-             s.step(u"1"_qs);
-             s.step(u"2"_qs);
-             undo(s);
-             undo(s);
-         },
-         true},
-        {"history cleared at the mark", [](Sheet& s) { s.undo.removeAllActions(); }, true},
-        {"history cleared elsewhere",
-         [](Sheet& s) {
-             s.step(u"1"_qs);
-             s.undo.removeAllActions();
-         },
-         false},
-        {"saved within a turn, then changed",
-         [](Sheet& s) {
-             s.set(u"1"_qs);
-             s.undo.setClean();
-             s.set(u"2"_qs);
-         },
-         false},
-        {"saved within a turn, changed, undone",
-         [&](Sheet& s) {
-             s.set(u"1"_qs);
-             s.undo.setClean();
-             s.set(u"2"_qs);
-             undo(s);
-         },
-         true},
-        {"saved within a group by hand, changed, undone",
-         [&](Sheet& s) {
-             s.undo.beginUndoGrouping();
-             s.step(u"1"_qs);
-             s.undo.setClean();
-             s.step(u"2"_qs);
-             s.undo.endUndoGrouping();
-             undo(s);
-         },
-         true},
-        {"an inverse threw",
-         [](Sheet& s) {
-             s.undo.registerUndo([] { throw std::runtime_error("spilled"); });
-             EXPECT_THROW(s.undo.undo(), std::runtime_error);
-             EXPECT_FALSE(s.undo.isUndoing());
-         },
-         false},
-    };
-    for (const Row& row : rows) {
+    for (const Row& row :
+         {Row{"untouched", "", true}, Row{"changed", "1", false}, Row{"changed and undone", "1<", true},
+          Row{"undone beyond", "<", false}, Row{"undone beyond and redone", "<>", true},
+          Row{"the branch of the mark was cut off", "<1.", false},
+          Row{"the group of the mark was dropped", "1.2.3.<<", false},
+          Row{"the groups before the mark were dropped", "1.2.<<", true},
+          Row{"history cleared at the mark", "-", true}, Row{"history cleared elsewhere", "1.-", false},
+          Row{"saved within a turn, then changed", "1*2", false},
+          Row{"saved within a turn, changed, undone", "1*2<", true},
+          Row{"saved within a group by hand, changed, undone", "(1.*2.)<", true}}) {
         SCOPED_TRACE(row.name);
         Sheet sheet;
         sheet.undo.setLevelsOfUndo(2);
-        sheet.step(u"0"_qs);
-        sheet.undo.setClean();
-        row.edit(sheet);
+        sheet.perform("0.*");
+        sheet.perform(row.edit);
         EXPECT_EQ(sheet.undo.isClean(), row.clean);
     }
+}
+
+TEST(UndoManager, anInverseThatThrewLeavesNoCleanMark) {
+    Sheet sheet;
+    sheet.perform("0.*");
+    sheet.undo.registerUndo([] { throw std::runtime_error("spilled"); });
+    EXPECT_THROW(sheet.undo.undo(), std::runtime_error);
+    EXPECT_FALSE(sheet.undo.isUndoing());
+    EXPECT_FALSE(sheet.undo.isClean());
 }
 
 } // namespace
