@@ -1,4 +1,4 @@
-// Documents without a window: opening and saving, structural edits with undo, and the edited mark.
+// Documents without a window: what is refused, what is undone, and the edited mark.
 #include "MoxDocument.h"
 
 #include "Classes/Axes/XAxisManager.h"
@@ -6,13 +6,10 @@
 #include "EmbeddedPlugins/TextEditor/XPTextEditor.h"
 #include "EmbeddedPlugins/TextFile/XPTextFile.h"
 #include "EmbeddedPlugins/TextFile/XPTextFileFactory.h"
-#include "Platform/Core/MainThread.h"
 #include "Platform/Core/PropertyList.h"
 #include "support/TestSupport.h"
 
 #include <gtest/gtest.h>
-
-#include <QFile>
 
 using namespace Qt::StringLiterals;
 
@@ -63,124 +60,27 @@ TEST_F(MoxDocumentTest, keptTheMapLeavesOutCurvesWithoutASource) {
     EXPECT_EQ(again.curves()[2]->dataSource(), nullptr);
 }
 
-TEST_F(MoxDocumentTest, savingAndOpeningGivesTheSameFile) {
-    const support::ScratchFolder folder;
-    addText(u"1 2\n3 4\n"_qs);
-    document().addNewCurve()->setColor({0.1, 1.0 / 3, 0.7, 1});
-    document().setAxisMinX(0.1);
-    document().setAxisX_type(XAxisManager::sharedManager().axisInfoWithId(u"zen"_qs));
-    document().setLegendMargins(QSizeF(3.5, 4));
-    EXPECT_TRUE(document().isDocumentEdited());
-    ASSERT_EQ(document().writeToURL(folder.path(u"a.mox"_qs)), std::nullopt);
-    EXPECT_FALSE(document().isDocumentEdited());
-
-    MoxDocument again;
-    ASSERT_EQ(again.readFromURL(folder.path(u"a.mox"_qs)), std::nullopt);
-    again.finishOpening();
-    EXPECT_FALSE(again.isDocumentEdited());
-    EXPECT_EQ(again.axisMinX(), 0.1);
-    EXPECT_EQ(again.axisMaxX(), std::nullopt);
-    EXPECT_EQ(again.axisX_type()->typeId(), u"zen"_qs);
-    ASSERT_EQ(again.writeToURL(folder.path(u"b.mox"_qs)), std::nullopt);
-    EXPECT_EQ(support::ScratchFolder::read(folder.path(u"a.mox"_qs)),
-              support::ScratchFolder::read(folder.path(u"b.mox"_qs)));
-}
-
-struct RefusedFile {
-    const char* name;
-    QByteArray bytes;
-    const char* reasonPart;
-};
-
-class MoxDocumentRefuses : public testing::TestWithParam<RefusedFile> {};
-
-QByteArray plistBytes(const QVariant& value) {
-    return PropertyList::writeXml(value);
-}
-
-TEST_P(MoxDocumentRefuses, withAReasonAndWithoutACrash) {
+TEST(MoxDocument, refusesWhatIsNoDocumentWithAReasonAndWithoutACrash) {
     XPluginsManager::setFactories({std::make_shared<XPTextFileFactory>()});
+    const QVariantMap unknownKind{{u"PluginIdentifier"_qs, u"nosuchkind"_qs}};
+    const std::pair<QByteArray, const char*> rows[] = {
+        {QByteArray("bplist00\xff\xfe\x00garbage", 19), "not a document"},
+        {PropertyList::writeXml(QVariantMap{{u"Datasources"_qs, QVariantList{}}}), "no Curves key"},
+        {PropertyList::writeXml(QVariantMap{{u"Datasources"_qs, QVariantList{unknownKind}},
+                                            {u"Curves"_qs, QVariantList{}},
+                                            {u"DatasourcesMap"_qs, QVariantList{}}}),
+         "Unknown plugin type \"nosuchkind\""}};
     const support::ScratchFolder folder;
-    const support::AssertionRecorder assertions;
-    const support::LogRecorder log;
-    MoxDocument document;
-    const auto reason = document.readFromURL(folder.write(u"bad.mox"_qs, GetParam().bytes));
-    ASSERT_TRUE(reason.has_value()) << GetParam().name;
-    EXPECT_TRUE(reason->contains(QLatin1String(GetParam().reasonPart))) << reason->toStdString();
-    EXPECT_FALSE(assertions.texts().empty());
-    EXPECT_TRUE(document.dataSourcesManager().dataSources().empty());
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Rows, MoxDocumentRefuses,
-    testing::Values(
-        RefusedFile{"empty", "", "not a document"},
-        RefusedFile{"truncated", plistBytes(QVariantMap{{u"Curves"_qs, QVariantList{}}}).left(200),
-                    "not a document"},
-        RefusedFile{"binary garbage", QByteArray("bplist00\xff\xfe\x00garbage", 19), "not a document"},
-        RefusedFile{"not a dictionary", plistBytes(QVariantList{1, 2}), "not a dictionary"},
-        RefusedFile{"nested 200,000 deep",
-                    "<?xml version=\"1.0\"?><plist version=\"1.0\">" +
-                        QByteArray("<array>").repeated(200'000),
-                    "not a document"},
-        RefusedFile{"no curves", plistBytes(QVariantMap{{u"Datasources"_qs, QVariantList{}}}),
-                    "no Curves key"},
-        RefusedFile{"sources no array",
-                    plistBytes(QVariantMap{{u"Datasources"_qs, 1},
-                                           {u"Curves"_qs, QVariantList{}},
-                                           {u"DatasourcesMap"_qs, QVariantList{}}}),
-                    "dataSources plist is not NSArray!"},
-        RefusedFile{
-            "unknown plugin",
-            plistBytes(QVariantMap{
-                {u"Datasources"_qs, QVariantList{QVariantMap{{u"PluginIdentifier"_qs, u"nosuchkind"_qs}}}},
-                {u"Curves"_qs, QVariantList{}},
-                {u"DatasourcesMap"_qs, QVariantList{}}}),
-            "Unknown plugin type \"nosuchkind\""},
-        RefusedFile{"curve no dictionary",
-                    plistBytes(QVariantMap{{u"Datasources"_qs, QVariantList{}},
-                                           {u"Curves"_qs, QVariantList{u"x"_qs}},
-                                           {u"DatasourcesMap"_qs, QVariantList{}}}),
-                    "Wrong XCurve plist"}));
-
-TEST_F(MoxDocumentTest, structuralEditsAreUndoneAndRedone) {
-    const XDataSource source = addText(u"1 2"_qs);
-    nextTurn();
-    const XCurveHandle curve = document().addNewCurve();
-    nextTurn();
-    curve->setLineWidth(4);
-    EXPECT_EQ(document().undoManager().undoActionName(), u"Setting lineWidth"_qs);
-    nextTurn();
-    document().removeDataSourceAtIndex(0);
-    EXPECT_EQ(document().undoManager().undoActionName(), u"Remove Datasource"_qs);
-    EXPECT_EQ(curve->dataSource(), nullptr);
-    document().undoManager().undo();
-    EXPECT_EQ(curve->dataSource(), source);
-    EXPECT_EQ(sources(), std::vector<XDataSource>{source});
-    document().undoManager().undo();
-    EXPECT_EQ(curve->lineWidth(), 1);
-    document().undoManager().undo();
-    EXPECT_TRUE(document().curves().isEmpty());
-    document().undoManager().redo();
-    document().undoManager().redo();
-    EXPECT_EQ(curve->lineWidth(), 4);
-    document().undoManager().redo();
-    EXPECT_TRUE(sources().empty());
-    EXPECT_EQ(curve->dataSource(), nullptr);
-}
-
-TEST_F(MoxDocumentTest, undoRestoresAbsenceAndSourceSettings) {
-    const auto source = std::dynamic_pointer_cast<XPTextFile>(document().addDatasourceWithSettings(
-        QLatin1String(XPTextFile::identifier), {{u"Filename"_qs, u""_qs}}));
-    const XCurveHandle curve = document().addNewCurve();
-    nextTurn();
-    curve->setX_data_expression(u"row"_qs);
-    nextTurn();
-    source->setSkiplines(3);
-    document().undoManager().undo();
-    EXPECT_EQ(source->skiplines(), 0);
-    document().undoManager().undo();
-    EXPECT_EQ(curve->x_data_expression(), std::nullopt);
+    for (const auto& [bytes, expected] : rows) {
+        const support::AssertionRecorder assertions;
+        const support::LogRecorder log;
+        MoxDocument document;
+        const auto reason = document.readFromURL(folder.write(u"bad.mox"_qs, bytes));
+        ASSERT_TRUE(reason.has_value()) << expected;
+        EXPECT_TRUE(reason->contains(QLatin1String(expected))) << reason->toStdString();
+        EXPECT_FALSE(assertions.texts().empty()) << expected;
+        EXPECT_TRUE(document.dataSourcesManager().dataSources().empty()) << expected;
+    }
 }
 
 TEST_F(MoxDocumentTest, whatMarksTheDocumentEdited) {
@@ -202,6 +102,7 @@ TEST_F(MoxDocumentTest, whatMarksTheDocumentEdited) {
     EXPECT_FALSE(document().isDocumentEdited()) << "kept: the point-size keys make no undo step";
     curve->setTicksSize(2);
     EXPECT_TRUE(couldUndo && document().isDocumentEdited());
+    EXPECT_EQ(document().undoManager().undoActionName(), u"Setting ticksSize"_qs);
     document().undoManager().undo();
     EXPECT_FALSE(document().isDocumentEdited()) << "back at what was saved";
 
@@ -217,23 +118,15 @@ TEST_F(MoxDocumentTest, whatMarksTheDocumentEdited) {
     }
 }
 
-TEST_F(MoxDocumentTest, onlyTenLevelsAreKept) {
-    const XCurveHandle curve = document().addNewCurve();
-    for (int width = 2; width <= 20; ++width) {
-        nextTurn();
-        curve->setLineWidth(width);
-    }
-    int undone = 0;
-    for (; document().undoManager().canUndo(); ++undone)
-        document().undoManager().undo();
-    EXPECT_EQ(undone, 10);
-    EXPECT_EQ(curve->lineWidth(), 10);
-}
-
-TEST_F(MoxDocumentTest, pasteCountsOnlyWithoutASource) {
-    document().pasteText(u"1 2"_qs);
-    document().pasteText(u"3 4"_qs);
-    EXPECT_EQ(sources().size(), 1U);
+TEST_F(MoxDocumentTest, settingsOfASourceAreUndoneAndItsRemovalIsNamed) {
+    const auto source = std::dynamic_pointer_cast<XPTextFile>(document().addDatasourceWithSettings(
+        QLatin1String(XPTextFile::identifier), {{u"Filename"_qs, u""_qs}}));
+    nextTurn();
+    source->setSkiplines(3);
+    document().undoManager().undo();
+    EXPECT_EQ(source->skiplines(), 0);
+    document().removeDataSourceAtIndex(0);
+    EXPECT_EQ(document().undoManager().undoActionName(), u"Remove Datasource"_qs);
 }
 
 TEST_F(MoxDocumentTest, closingEndsReads) {
