@@ -61,15 +61,6 @@ QVariantMap fileSettings(const QString& path, int delimiterType) {
     return {{QStringLiteral("Filename"), path}, {QStringLiteral("DelimiterType"), delimiterType}};
 }
 
-TEST(XPTextFile, BeginsWithoutAFile) {
-    XPTextFile source;
-    EXPECT_EQ(source.title(), QStringLiteral("[No file]"));
-    EXPECT_EQ(source.columnNames(), QStringList{QStringLiteral("Row number")});
-    EXPECT_TRUE(std::isnan(source.progress()));
-    EXPECT_EQ(source.data(), nullptr);
-    EXPECT_EQ(source.configViewController(), nullptr);
-}
-
 TEST(XPTextFile, TakesItsSettingsInTheirOrder) {
     XPTextFile source;
     const Watch watch(source);

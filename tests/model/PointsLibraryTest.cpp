@@ -22,18 +22,6 @@ TEST(PointsLibrary, ListsTheMarkersInMenuOrder) {
     EXPECT_EQ(listed, "0None,1Circle filled,6Ring,2Square filled,3Diamond filled,4X,5Plus,");
 }
 
-TEST(PointsLibrary, FindsByIdentifierAndCyclesByIt) {
-    for (const int unknown : {7, -1, 1000000})
-        EXPECT_EQ(library().pointDescriptionWithId(unknown)->displayName(), QStringLiteral("None"));
-    std::string cycle;
-    const XGraphPointDescription* point = nullptr;
-    for (int i = 0; i < 8; ++i) {
-        point = library().nextPointDescription(point);
-        cycle += point->displayName().toStdString() + " ";
-    }
-    EXPECT_EQ(cycle, "None Circle Square Diamond X Plus Ring None ");
-}
-
 TEST(PointsLibrary, OutlinesAreCentredAndAsWideAsTwiceTheHalfSize) {
     struct Row {
         int identifier;

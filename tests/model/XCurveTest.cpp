@@ -245,20 +245,6 @@ TEST(XCurveEvaluation, aCurveMayDieMeanwhile) {
     EXPECT_TRUE(evaluationsAreDone());
 }
 
-TEST(XCurveRendering, aChangeDuringARenderingKeepsTheRequest) {
-    const XCurveHandle curve = XCurve::make();
-    const auto axis = std::make_shared<XAxis>();
-    curve->setLineWidth(2);
-    const CurveSnapshot seen = curve->snapshot();
-    curve->setLineWidth(3);
-    EXPECT_FALSE(curve->acceptRendering({QImage(4, 4, QImage::Format_ARGB32_Premultiplied), axis, axis},
-                                        seen.changeCount));
-    EXPECT_TRUE(curve->needsRedraw());
-    EXPECT_FALSE(curve->renderedImage().isNull()) << "the image is shown all the same";
-    EXPECT_TRUE(curve->acceptRendering({{}, axis, axis}, curve->snapshot().changeCount));
-    EXPECT_FALSE(curve->needsRedraw());
-}
-
 TEST(XCurveRendering, aRemovedSourceTakesItsImageAlong) {
     const XCurveHandle curve = XCurve::make();
     curve->setDataSource(std::make_shared<support::TableSource>(makeTable({{1, 2}})));
