@@ -15,29 +15,13 @@ using namespace Qt::StringLiterals;
 namespace {
 
 TEST(VersionTest, areOrderedAsTheyWereReleased) {
-    const char* ascending[] = {"0.9",
-                               "1.0-alpha",
-                               "1.0-alpha.2",
-                               "1.0-alpha.10",
-                               "1.0-beta",
-                               "1.0rc1",
-                               "1.0",
-                               "1.0.1",
-                               "v1.1-2",
-                               "1.1-beta",
-                               "1.1-beta2",
-                               "1.1-beta10",
-                               "1.1",
-                               "1.9",
-                               "1.10",
-                               "2.0+b1",
-                               "2.0.0.0.0.1",
-                               "20260101",
-                               "99999999999999999999.1"};
-    for (std::size_t i = 1; i < std::size(ascending); ++i) {
-        SCOPED_TRACE(ascending[i]);
-        const auto lower = Version::parse(QLatin1String(ascending[i - 1]));
-        const auto upper = Version::parse(QLatin1String(ascending[i]));
+    const QStringList ascending = u"0.9 1.0-alpha 1.0-alpha.2 1.0-alpha.10 1.0-beta 1.0rc1 1.0 1.0.1 v1.1-2 "
+                                  "1.1-beta 1.1-beta2 1.1-beta10 1.1 1.9 1.10 2.0+b1 2.0.0.0.0.1 20260101 "
+                                  "99999999999999999999.1"_qs.split(u' ');
+    for (qsizetype i = 1; i < ascending.size(); ++i) {
+        SCOPED_TRACE(ascending[i].toStdString());
+        const auto lower = Version::parse(ascending[i - 1]);
+        const auto upper = Version::parse(ascending[i]);
         ASSERT_TRUE(lower && upper);
         EXPECT_TRUE(*lower < *upper);
         EXPECT_TRUE(*upper > *lower);
