@@ -1,7 +1,6 @@
 // The look: contrasts, heights, the focus ring, faults, pictures and the desktop's wishes.
 #include "Core/Assertions.h"
 #include "Platform/Widgets/Appearance.h"
-#include "Platform/Widgets/FlippedGeometry.h"
 #include "Platform/Widgets/Pictures.h"
 #include "Platform/Widgets/VelquinStyle.h"
 #include "WidgetFixtures.h"
@@ -283,15 +282,6 @@ TEST(Pictures, cursorsPointWithTheirHotSpots) {
         EXPECT_EQ(at(11, 11).alpha(), 0) << "what is measured is seen";
         EXPECT_EQ(at(11, 5), QColor(Qt::black));
     }
-}
-
-TEST(FlippedGeometry, turnsFramesOverAndBack) {
-    const QRect frame(4, 8, 13, 13);
-    EXPECT_EQ(FlippedGeometry::flipped(frame, 29), QRect(4, 8, 13, 13)) << "8 above the foot of a bar of 29";
-    EXPECT_EQ(FlippedGeometry::flipped(QRect(2, 1, 96, 1), 29), QRect(2, 27, 96, 1));
-    EXPECT_EQ(FlippedGeometry::flipped(FlippedGeometry::flipped(QRectF(1, 2, 3, 4.5), 20), 20),
-              QRectF(1, 2, 3, 4.5));
-    EXPECT_EQ(FlippedGeometry::flipped(QPointF(7, 0.5), 20), QPointF(7, 19.5));
 }
 
 } // namespace
