@@ -254,6 +254,15 @@ TEST(CurveRenderer, WhatCannotBeSeenDrawsNothing) {
         bool isEmpty;
     };
     const int max = std::numeric_limits<int>::max();
+    const auto table = [](const std::vector<double>& ofX, const std::vector<double>& ofY) {
+        return [=](CurveSnapshot& c) { c.table = support::makeTable({ofX, ofY}); };
+    };
+    const auto pointsOfSize = [](int size) {
+        return [=](CurveSnapshot& c) {
+            c.lineWidth = 0;
+            c.ticksSize = size;
+        };
+    };
     const Row rows[] = {
         {"the curve itself", [](CurveSnapshot&) {}, false},
         {"alpha 0", [](CurveSnapshot& c) { c.colorAlpha = 0; }, true},
@@ -266,39 +275,12 @@ TEST(CurveRenderer, WhatCannotBeSeenDrawsNothing) {
         {"no columns at all", [](CurveSnapshot& c) { c.xIndex = c.yIndex = 0; }, true},
         {"columns that do not exist", [](CurveSnapshot& c) { c.xIndex = c.yIndex = 7; }, true},
         {"x is the row number", [](CurveSnapshot& c) { c.xIndex = 0; }, false},
-        {"only NaN",
-         [](CurveSnapshot& c) {
-             c.table = support::makeTable({{nan, nan}, {1, nan}});
-         },
-         true},
-        {"a single point",
-         [](CurveSnapshot& c) {
-             c.table = support::makeTable({{10}, {10}});
-         },
-         true},
-        {"beyond every float",
-         [](CurveSnapshot& c) {
-             c.table = support::makeTable({{-1e308, 1e308}, {1, 1}});
-         },
-         true},
-        {"kept: points without a line",
-         [](CurveSnapshot& c) {
-             c.lineWidth = 0;
-             c.ticksSize = 2;
-         },
-         false},
-        {"negative size",
-         [](CurveSnapshot& c) {
-             c.lineWidth = 0;
-             c.ticksSize = -2;
-         },
-         true},
-        {"greatest size",
-         [=](CurveSnapshot& c) {
-             c.lineWidth = 0;
-             c.ticksSize = max;
-         },
-         false},
+        {"only NaN", table({nan, nan}, {1, nan}), true},
+        {"a single point", table({10}, {10}), true},
+        {"beyond every float", table({-1e308, 1e308}, {1, 1}), true},
+        {"kept: points without a line", pointsOfSize(2), false},
+        {"negative size", pointsOfSize(-2), true},
+        {"greatest size", pointsOfSize(max), false},
         {"greatest ring",
          [=](CurveSnapshot& c) {
              c.ticksShape = XPointsLibrary::sharedLibrary().pointDescriptionWithId(6);
