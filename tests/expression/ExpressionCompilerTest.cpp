@@ -19,42 +19,18 @@ std::string nested(std::size_t values) {
 
 TEST(ExpressionCompiler, TakesWhatTheParserEvaluatesWithoutAnErrorInAnyRow) {
     const EvaluationRoads roads;
-    for (const char* text : {"sin(c1)+c2*0.5",
-                             "row/2",
-                             "-c1^2",
-                             "2^-c1",
-                             "2^3^c1",
-                             "c1^c2",
-                             "c1-c2-c3",
-                             "c1/c2/c3",
-                             "c1*c2^3k",
-                             "sin(row)^3+sin(row)^4+sin(row)^5",
-                             "sin(row)n",
-                             "sin(row)u",
-                             "sin(row)m",
-                             "sin(row)k",
-                             "sin(row)M",
-                             "sin(row)G",
-                             "c1<c2 ? c1 : c2<c3 ? row : -1",
-                             "c1<0 && c2<0 || c3<0",
-                             "c1<0 || c2<0 && c3<0 ? c1<1 : c1<2",
-                             "(c1<c2)==(c2<c3)",
-                             "(c1<0)<(c2<0)",
-                             "(float)(c1<c2)",
-                             "sqrt(c1<c2)+(c1==c2)^2",
-                             "true ? c1 : c2",
-                             "max(c1,c2,c3)-min(c1)+sum(c1,c2)",
-                             "0xFF+0b101+1e3+7.",
-                             "nan",
-                             "1/0",
-                             "(c1)",
-                             "pow(c1,c2)",
-                             "hour(c1)",
-                             "mod(c1,c2)+fmod(c1,c3)",
-                             "remainder(c1,c2)",
-                             "atan2(c1,c2)*hypot(c2,c3)",
-                             "-(+c1)",
-                             "c1 # a comment"}) {
+    const QStringList texts =
+        QStringLiteral(
+            "sin(c1)+c2*0.5; row/2; -c1^2; 2^-c1; 2^3^c1; c1^c2; c1-c2-c3; c1/c2/c3; c1*c2^3k; "
+            "sin(row)^3+sin(row)^4+sin(row)^5; sin(row)n; sin(row)u; sin(row)m; sin(row)k; sin(row)M; "
+            "sin(row)G; c1<c2 ? c1 : c2<c3 ? row : -1; c1<0 && c2<0 || c3<0; "
+            "c1<0 || c2<0 && c3<0 ? c1<1 : c1<2; (c1<c2)==(c2<c3); (c1<0)<(c2<0); (float)(c1<c2); "
+            "sqrt(c1<c2)+(c1==c2)^2; true ? c1 : c2; max(c1,c2,c3)-min(c1)+sum(c1,c2); 0xFF+0b101+1e3+7.; "
+            "nan; 1/0; (c1); pow(c1,c2); hour(c1); mod(c1,c2)+fmod(c1,c3); remainder(c1,c2); "
+            "atan2(c1,c2)*hypot(c2,c3); -(+c1); c1 # a comment")
+            .split(QStringLiteral("; "));
+    for (const QString& each : texts) {
+        const std::string text = each.toStdString();
         EXPECT_TRUE(roads.isCompiled(text)) << text;
         EXPECT_EQ(roads.difference(text), "");
     }
