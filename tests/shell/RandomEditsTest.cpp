@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QProcess>
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -267,8 +269,10 @@ TEST_F(RandomEditsTest, UndoAndRedoAreThoseOfAModelWithTenLevels) {
     EXPECT_TRUE(support::waitUntil([&] { return observers.areAllGone(); }));
 }
 
-TEST_F(RandomEditsTest, FilesHoldTheWholeDocument) {
-    for (int i = 0, count = support::rounds(100); i < count; ++i) {
+TEST_F(RandomEditsTest, FilesHoldTheWholeDocumentForUsAndForOthers) {
+    const support::ScratchFolder folder;
+    const int count = support::rounds(100);
+    for (int i = 0; i < count; ++i) {
         SCOPED_TRACE(i);
         MoxDocument document;
         document.finishOpening();
@@ -284,8 +288,29 @@ TEST_F(RandomEditsTest, FilesHoldTheWholeDocument) {
         again.loadFromPlist(*PropertyList::read(saved).value);
         ASSERT_EQ(PropertyList::writeXml(again.plist()).toStdString(), saved.toStdString());
         ASSERT_EQ(again.plist(), document.plist());
+        folder.write(QString::number(i) + u".xml"_qs, saved);
         document.close();
         again.close();
+    }
+    // An independent reader and writer: what it makes of our files, in either format, is what we read.
+    QProcess python;
+    python.start(u"python3"_qs, {u"-c"_qs, uR"(
+import plistlib, sys
+for i in range(int(sys.argv[2])):
+    name = f"{sys.argv[1]}/{i}"
+    values = plistlib.load(open(name + ".xml", "rb"))
+    plistlib.dump(values, open(name + ".again", "wb"))
+    plistlib.dump(values, open(name + ".bin", "wb"), fmt=plistlib.FMT_BINARY))"_qs,
+                                 folder.path(), QString::number(count)});
+    ASSERT_TRUE(python.waitForFinished(600'000));
+    ASSERT_EQ(python.exitCode(), 0) << python.readAllStandardError().toStdString();
+    for (int i = 0; i < count; ++i) {
+        const auto valueOf = [&](const QString& ending) {
+            return *PropertyList::read(support::ScratchFolder::read(folder.path(QString::number(i) + ending)))
+                        .value;
+        };
+        EXPECT_EQ(valueOf(u".again"_qs), valueOf(u".xml"_qs)) << i;
+        EXPECT_EQ(valueOf(u".bin"_qs), valueOf(u".xml"_qs)) << i;
     }
 }
 
