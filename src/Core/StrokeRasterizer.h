@@ -13,7 +13,7 @@
 #include <vector>
 
 /// Lines of one width with bevel joins and butt caps, antialiased. Coordinates are pixels, y upwards from the
-/// lower edge of the picture, and may be any finite number: what lies outside costs nothing.
+/// lower edge of the picture, and may be any float: what lies outside costs nothing.
 ///
 /// Each segment is a rectangle and each join a triangle, all of them turning counter-clockwise. Their
 /// coverages are summed, and a sum above 1 is full: joints show no seam and overlaps of a translucent stroke
@@ -76,7 +76,7 @@ class StrokeRasterizer {
     void addWithinPicture(Point left, Point right, double sign);
     void addWholeColumns(Columns columns, double y, double slope, double sign);
     double* rowsOf(int column); ///< the lowest of its second differences
-    void touch(Columns columns, int oneRow, int otherRow);
+    void touch(int column, int oneRow, int otherRow);
     void addToColumn(int column, const Ramp& begin, const Ramp& end, double signedWidth);
     void paintColumn(int column, PixelGrid image, const CoverageRamp& colors);
     std::int64_t workBetweenSearches() const;

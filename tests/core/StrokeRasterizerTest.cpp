@@ -109,7 +109,7 @@ TEST(StrokeRasterizer, WhatItLeavesOutCannotBeSeen) {
     Polyline line;
     for (int i = 0; i < 4000; ++i)
         line.push_back({width * (0.5 + 0.2 * normal(random)), height * (0.45 + 0.17 * normal(random))});
-    for (const double lineWidth : {0.2, 1.0}) {
+    for (const double lineWidth : {0.2, 1.0, 4.0}) {
         const Picture picture = painted(line, lineWidth, 1);
         reference::Stroke stroke(width, height);
         stroke.add(line, lineWidth);
@@ -163,6 +163,26 @@ TEST(StrokeRasterizer, TakesAnyFiniteCoordinates) {
         const Picture before = picture;
         rasterizer.paint(picture.grid(), coverageRamp(0, 0, 0, 1));
         EXPECT_EQ(picture.pixels, before.pixels) << "sums were left over, width " << lineWidth;
+    }
+}
+
+TEST(StrokeRasterizer, DrawsNothingWhereThereIsNoPicture) {
+    std::mt19937 random(6);
+    std::normal_distribution<double> normal;
+    for (const int columns : {0, 1, 2}) {
+        for (const int rows : {0, 1, 30}) {
+            Picture picture;
+            StrokeRasterizer rasterizer(columns, rows, 2);
+            rasterizer.moveTo(0, 0);
+            for (int i = 0; i < 3000; ++i)
+                rasterizer.lineTo(3 * normal(random), 20 * normal(random));
+            rasterizer.paint(picture.grid(), coverageRamp(1, 1, 1, 1));
+            for (int pixel = 0; pixel < width * height; ++pixel) {
+                const bool isInside = pixel % width < columns && pixel / width < rows;
+                EXPECT_EQ(picture.pixels[static_cast<std::size_t>(pixel)] != 0, isInside)
+                    << columns << " x " << rows << " at " << pixel;
+            }
+        }
     }
 }
 

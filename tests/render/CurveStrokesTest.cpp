@@ -10,7 +10,6 @@
 
 namespace {
 
-constexpr int pictureWidth = 300;
 constexpr int pictureHeight = 200;
 using Picture = std::vector<std::uint32_t>;
 
@@ -20,21 +19,21 @@ struct Subpath {
 };
 
 /// Of points in no order, some of them outside.
-std::vector<Subpath> subpaths(int count, int points) {
+std::vector<Subpath> subpaths(int count, int points, int pictureWidth) {
     std::mt19937 random(4);
     std::uniform_real_distribution<float> place(-0.1F, 1.1F);
     std::vector<Subpath> made(static_cast<std::size_t>(count));
     for (Subpath& subpath : made) {
         for (int i = 0; i < points; ++i) {
-            subpath.x.push_back(pictureWidth * place(random));
+            subpath.x.push_back(static_cast<float>(pictureWidth) * place(random));
             subpath.y.push_back(pictureHeight * place(random));
         }
     }
     return made;
 }
 
-StrokeTarget targetOf(Picture& picture, double alpha) {
-    picture.assign(std::size_t{pictureWidth} * pictureHeight, 0);
+StrokeTarget targetOf(Picture& picture, int pictureWidth, double alpha) {
+    picture.assign(static_cast<std::size_t>(pictureWidth) * pictureHeight, 0);
     return {.image = {picture.data(), pictureWidth},
             .width = pictureWidth,
             .height = pictureHeight,
@@ -43,9 +42,10 @@ StrokeTarget targetOf(Picture& picture, double alpha) {
             .isOpaque = alpha >= 1};
 }
 
-Picture drawnInSlices(const std::vector<Subpath>& line, double alpha, const std::stop_token& stop = {}) {
+Picture drawnInSlices(const std::vector<Subpath>& line, int pictureWidth, double alpha,
+                      const std::stop_token& stop = {}) {
     Picture picture;
-    CurveStrokes strokes(targetOf(picture, alpha), stop);
+    CurveStrokes strokes(targetOf(picture, pictureWidth, alpha), stop);
     for (const Subpath& subpath : line) {
         strokes.moveTo(subpath.x[0], subpath.y[0]);
         for (std::size_t i = 1; i < subpath.x.size(); ++i)
@@ -56,9 +56,9 @@ Picture drawnInSlices(const std::vector<Subpath>& line, double alpha, const std:
     return picture;
 }
 
-Picture drawnWhole(const std::vector<Subpath>& line, double alpha) {
+Picture drawnWhole(const std::vector<Subpath>& line, int pictureWidth, double alpha) {
     Picture picture;
-    const StrokeTarget target = targetOf(picture, alpha);
+    const StrokeTarget target = targetOf(picture, pictureWidth, alpha);
     StrokeRasterizer rasterizer(pictureWidth, pictureHeight, target.lineWidth);
     for (const Subpath& subpath : line) {
         rasterizer.moveTo(subpath.x[0], subpath.y[0]);
@@ -77,13 +77,15 @@ TEST(CurveStrokes, TwoThreadsDrawThePictureOfOne) {
         int subpaths;
         int points;
         double alpha;
+        int pictureWidth = 300;
     };
     for (const Row& row :
          {Row{"a short line", 1, 50, 1}, Row{"one line", 1, 30'000, 1}, Row{"with gaps", 9'000, 2, 1},
-          Row{"translucent", 5, 4'000, 0.5}, Row{"translucent with gaps", 6'000, 2, 0.02}}) {
-        const std::vector<Subpath> line = subpaths(row.subpaths, row.points);
-        const Picture sliced = drawnInSlices(line, row.alpha);
-        const Picture whole = drawnWhole(line, row.alpha);
+          Row{"translucent", 5, 4'000, 0.5}, Row{"translucent with gaps", 6'000, 2, 0.02},
+          Row{"too narrow for two", 1, 30'000, 1, 20}}) {
+        const std::vector<Subpath> line = subpaths(row.subpaths, row.points, row.pictureWidth);
+        const Picture sliced = drawnInSlices(line, row.pictureWidth, row.alpha);
+        const Picture whole = drawnWhole(line, row.pictureWidth, row.alpha);
         int worst = 0;
         for (std::size_t i = 0; i < whole.size(); ++i)
             worst = std::max(
@@ -97,16 +99,16 @@ TEST(CurveStrokes, TwoThreadsDrawThePictureOfOne) {
 TEST(CurveStrokes, AStopLeavesOutWhatTheOtherThreadHasNotDrawn) {
     std::stop_source stop;
     stop.request_stop();
-    const Picture picture = drawnInSlices(subpaths(1, 30'000), 1, stop.get_token());
-    EXPECT_EQ(picture[pictureWidth - 1 + 100 * pictureWidth], 0U) << "drawn although nobody wants it";
+    const Picture picture = drawnInSlices(subpaths(1, 30'000, 300), 300, 1, stop.get_token());
+    EXPECT_EQ(picture[299 + 100 * 300], 0U) << "drawn although nobody wants it";
 }
 
 TEST(CurveStrokes, MayGoWithoutAFinish) {
     Picture picture;
-    CurveStrokes strokes(targetOf(picture, 1), {});
+    CurveStrokes strokes(targetOf(picture, 300, 1), {});
     for (int i = 0; i < 30'000; ++i)
-        strokes.lineTo(static_cast<float>(i % pictureWidth), static_cast<float>(i % 7));
-    EXPECT_EQ(std::count(picture.begin(), picture.end(), 0U), pictureWidth * pictureHeight)
+        strokes.lineTo(static_cast<float>(i % 300), static_cast<float>(i % 7));
+    EXPECT_EQ(std::count(picture.begin(), picture.end(), 0U), 300 * pictureHeight)
         << "painted before the end";
 }
 

@@ -47,14 +47,14 @@ class CurveStrokes::Slice {
 };
 
 /// A thread that draws what it is handed, in the order of the hand-overs.
-class CurveStrokes::Helper {
+class CurveStrokes::SliceThread {
   public:
     /// Throws std::system_error when there is no thread.
-    Helper(Slice& slice, std::stop_token stop)
+    SliceThread(Slice& slice, std::stop_token stop)
         : m_slice(slice), m_stop(std::move(stop)), m_thread([this] { run(); }) {}
 
     /// Draws what is left.
-    ~Helper() {
+    ~SliceThread() {
         {
             const std::lock_guard lock(m_mutex);
             m_isEnd = true;
@@ -62,8 +62,8 @@ class CurveStrokes::Helper {
         m_changed.notify_all();
         m_thread.join();
     }
-    Helper(const Helper&) = delete;
-    Helper& operator=(const Helper&) = delete;
+    SliceThread(const SliceThread&) = delete;
+    SliceThread& operator=(const SliceThread&) = delete;
 
     /// Waits while the thread is far behind.
     void hand(std::shared_ptr<const Steps> steps) {
@@ -75,7 +75,7 @@ class CurveStrokes::Helper {
     }
 
   private:
-    void run() {
+    void run() noexcept { // nothing in it allocates
         while (const std::shared_ptr<const Steps> steps = next()) {
             if (!m_stop.stop_requested())
                 m_slice.draw(*steps);
@@ -119,14 +119,14 @@ void CurveStrokes::strokePath() {
         add({0, 0, Step::Paint});
 }
 
-/// Draws what has come together, of a line that is longer than that.
+/// Draws the steps that wait, in slices.
 void CurveStrokes::passOn() {
     if (!m_left) {
         const int border = leftColumns(m_target.width);
         m_left = std::make_unique<Slice>(m_target, 0, border);
         m_right = std::make_unique<Slice>(m_target, border, m_target.width);
         try {
-            m_helper = std::make_unique<Helper>(*m_right, m_stop);
+            m_thread = std::make_unique<SliceThread>(*m_right, m_stop);
         } catch (const std::system_error&) {
             // This thread draws both.
         }
@@ -134,10 +134,10 @@ void CurveStrokes::passOn() {
     const auto steps = std::make_shared<const Steps>(std::move(m_steps));
     m_steps = {};
     m_steps.reserve(stepsAtOnce);
-    if (m_helper)
-        m_helper->hand(steps);
+    if (m_thread)
+        m_thread->hand(steps);
     m_left->draw(*steps);
-    if (!m_helper)
+    if (!m_thread)
         m_right->draw(*steps);
 }
 
@@ -147,5 +147,5 @@ void CurveStrokes::finish() {
         passOn();
     else
         Slice(m_target, 0, m_target.width).draw(std::exchange(m_steps, {}));
-    m_helper.reset();
+    m_thread.reset();
 }

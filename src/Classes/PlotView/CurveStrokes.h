@@ -44,7 +44,7 @@ class CurveStrokes {
     };
     using Steps = std::vector<Step>;
     class Slice;
-    class Helper;
+    class SliceThread;
 
     void add(Step step) {
         m_steps.push_back(step);
@@ -53,8 +53,8 @@ class CurveStrokes {
     }
     void passOn();
 
-    /// Drawing so many takes longer than a thread to start. What fewer pixels than columns leave of a curve
-    /// in the order of x stays below.
+    /// Drawing so many takes far longer than a thread to start. A curve in the order of x keeps some four
+    /// points a column of pixels and seldom has more.
     static constexpr std::size_t stepsAtOnce = 8192;
 
     StrokeTarget m_target;
@@ -62,6 +62,6 @@ class CurveStrokes {
     Steps m_steps; ///< not drawn yet
     std::unique_ptr<Slice>
         m_left; ///< drawn by the calling thread; all of the picture while there is no right one
-    std::unique_ptr<Slice> m_right; ///< drawn by the helper
-    std::unique_ptr<Helper> m_helper;
+    std::unique_ptr<Slice> m_right;        ///< drawn by the other
+    std::unique_ptr<SliceThread> m_thread; ///< null without a right slice, or where the system had no thread
 };
