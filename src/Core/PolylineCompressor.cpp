@@ -23,6 +23,7 @@ constexpr std::size_t blockLength = 16;
 
 /// Four floats that the processor compares at once.
 using Quad = float __attribute__((vector_size(4 * sizeof(float))));
+using IntQuad = std::int32_t __attribute__((vector_size(4 * sizeof(std::int32_t))));
 
 /// Least and greatest of a block.
 struct BlockRange {
@@ -42,6 +43,12 @@ Quad quadAt(const float* values) {
     Quad quad;
     std::memcpy(&quad, values, sizeof quad);
     return quad;
+}
+
+/// `truncatedPixel` of each of four values that are not negative.
+IntQuad truncatedPixels(Quad values) {
+    constexpr float bound = 1 << 30;
+    return __builtin_convertvector(values < bound ? values : Quad{bound, bound, bound, bound}, IntQuad);
 }
 
 /// Puts the four extremes in the order of the data.
@@ -83,6 +90,12 @@ void PolylineCompressor::run() {
             const auto index = static_cast<std::int32_t>(base + static_cast<std::uint32_t>(i));
             if (i >= nextBlock && i + blockLength < count) {
                 if (takeBlock(x + i, y + i, index)) {
+                    i += blockLength;
+                    continue;
+                }
+                if (i > 0 && areApart(x + i, y + i)) {
+                    if (stepApart(x + i, y + i, index))
+                        return;
                     i += blockLength;
                     continue;
                 }
@@ -200,6 +213,43 @@ inline bool PolylineCompressor::takeBlock(const float* x, const float* y, std::i
     m_lastPixelY = truncatedPixel(m_group[Last].y);
     m_segmentInvisible = false;
     return true;
+}
+
+/// Whether each of the next points, before which another one stands in memory, lies in the picture and on
+/// another column and another row of pixels than the point before it: groups of one point each, as in a line
+/// in no order.
+inline bool PolylineCompressor::areApart(const float* x, const float* y) const {
+    if (truncatedPixel(x[0]) == truncatedPixel(x[1]) || m_firstPoint || m_previousInvalid ||
+        m_previousOutcode != 0 || m_groupNeedsMoveTo)
+        return false;
+    IntQuad apart{-1, -1, -1, -1};
+    for (std::size_t i = 0; i < blockLength; i += 4) {
+        const Quad nextX = quadAt(x + i);
+        const Quad nextY = quadAt(y + i);
+        apart &= (nextX >= 0) & (nextX <= m_width) & (nextY >= 0) & (nextY <= m_height);
+        apart &= truncatedPixels(nextX) != truncatedPixels(quadAt(x + i - 1));
+        apart &= truncatedPixels(nextY) != truncatedPixels(quadAt(y + i - 1));
+    }
+    return (apart[0] & apart[1] & apart[2] & apart[3]) != 0;
+}
+
+/// Takes the next points, which are apart. Returns true when the run is to end.
+bool PolylineCompressor::stepApart(const float* x, const float* y, std::int32_t index) {
+    if (flushGroup())
+        return true;
+    PlotPoint point{index, x[0], y[0]};
+    for (std::size_t i = 1; i < blockLength; ++i) {
+        if (m_draw({&point, 1}, false))
+            return true;
+        point = {static_cast<std::int32_t>(static_cast<std::uint32_t>(index) + static_cast<std::uint32_t>(i)),
+                 x[i], y[i]};
+    }
+    m_group.fill(point);
+    m_changeFlags = 0;
+    m_segmentInvisible = false;
+    m_lastPixelX = truncatedPixel(point.x);
+    m_lastPixelY = truncatedPixel(point.y);
+    return false;
 }
 
 std::span<const PlotPoint> PolylineCompressor::buildOutputList() {

@@ -39,6 +39,8 @@ class PolylineCompressor {
   private:
     bool step(float x, float y, std::int32_t index, bool isLast);
     bool takeBlock(const float* x, const float* y, std::int32_t index);
+    bool areApart(const float* x, const float* y) const;
+    bool stepApart(const float* x, const float* y, std::int32_t index);
     std::span<const PlotPoint> buildOutputList();
     bool flushGroup();
     void finish();

@@ -129,9 +129,20 @@ Line denseLine(std::size_t count) {
     return line;
 }
 
+/// Points in no order, seldom on the column or the row of the one before, some in gaps or outside.
+Line scatteredLine(std::size_t count) {
+    std::mt19937 random(9);
+    std::uniform_real_distribution<float> uniform(0, 1);
+    Line line;
+    for (std::size_t i = 0; i < count; ++i)
+        line.add(uniform(random) < 0.003F ? gap : 103 * uniform(random),
+                 uniform(random) < 0.003F ? -1 : 50 * uniform(random));
+    return line;
+}
+
 TEST(PolylineCompressor, SplittingTheRowsIntoChunksChangesNothing) {
     // Short chunks take their points one by one.
-    for (const Line& line : {wildLine(4097), denseLine(40000)}) {
+    for (const Line& line : {wildLine(4097), denseLine(40000), scatteredLine(20000)}) {
         const std::string whole = reduce(line, 50000).text;
         ASSERT_GT(whole.size(), 1000U);
         for (const std::size_t chunk : {1, 2, 3, 17, 4096, 4097})
@@ -167,8 +178,12 @@ TEST(PolylineCompressor, KeepsTheHeightOfEveryPixelColumnInTheOrderOfTheData) {
 }
 
 TEST(PolylineCompressor, EndsAtOnceWhenToldTo) {
-    const std::string text = reduce(wildLine(4097), 4096, 3).text;
-    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 3);
+    for (const Line& line : {wildLine(4097), scatteredLine(4097)}) {
+        for (const std::ptrdiff_t lists : {3, 50}) {
+            const std::string text = reduce(line, 4096, static_cast<std::size_t>(lists)).text;
+            EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), lists);
+        }
+    }
 }
 
 } // namespace
