@@ -26,6 +26,7 @@ velquin_library(core
     Core/TabLayout.h
     Core/TickCompressor.h
     Core/TextToDouble.h
+    Core/ZeroedDoubles.h
     EmbeddedPlugins/Common/XPTableData.h
     EmbeddedPlugins/Common/XValueRange.h
     libparsers/ByteScan.h
@@ -50,6 +51,7 @@ velquin_library(core
     Core/TabLayout.cpp
     Core/TickCompressor.cpp
     Core/TextToDouble.cpp
+    Core/ZeroedDoubles.cpp
     EmbeddedPlugins/Common/XPTableData.cpp
     libparsers/csv.cpp
   USES Threads::Threads)

@@ -7,7 +7,6 @@
 #include <array>
 #include <cmath>
 #include <limits>
-#include <new>
 #include <optional>
 #include <utility>
 
@@ -19,13 +18,6 @@ constexpr double fullCoverage = 0.999; ///< painted as 1, and it only grows
 constexpr int workOfRectangle = 8;     ///< besides its columns, in those of an edge
 constexpr int fewestInnerColumns = 4;  ///< of a rectangle whose long edges are worth a loop of their own
 constexpr double flattestSlope = 1e-2; ///< of an edge whose ramps are told apart by more than rounding
-
-double* zeros(std::size_t count) {
-    auto* const made = static_cast<double*>(std::calloc(std::max<std::size_t>(count, 1), sizeof(double)));
-    if (made == nullptr)
-        throw std::bad_alloc();
-    return made;
-}
 
 /// Two columns at once.
 using Pair = double __attribute__((vector_size(2 * sizeof(double))));
@@ -124,7 +116,7 @@ StrokeRasterizer::StrokeRasterizer(int width, int height, double lineWidth)
     : m_width(width), m_height(height), m_halfWidth(lineWidth / 2),
       // Odd, so that columns do not compete for cache lines.
       m_columnStride((static_cast<std::size_t>(height) + 3) | 1U),
-      m_columns(zeros(static_cast<std::size_t>(width) * m_columnStride), &std::free),
+      m_columns(static_cast<std::size_t>(width) * m_columnStride),
       m_rows(static_cast<std::size_t>(width), Rows{noRow, 0}), m_firstColumn(width),
       m_near(ClipBox::around(width, height, m_halfWidth + 1)), m_full(nowhere), m_blocks(width, height),
       m_workUntilSearch(workBetweenSearches()) {}
@@ -411,7 +403,7 @@ void StrokeRasterizer::addWithinPicture(Point left, Point right, double sign) {
 }
 
 double* StrokeRasterizer::rowsOf(int column) {
-    return m_columns.get() + static_cast<std::size_t>(column) * m_columnStride;
+    return m_columns.data() + static_cast<std::size_t>(column) * m_columnStride;
 }
 
 /// Notes that ramps were added to a column whose first rows lie from the one to the other.
@@ -452,7 +444,7 @@ FullBlocks::Bands StrokeRasterizer::fullBands(int stack) const {
         const double* even[pairs];
         const double* odd[pairs];
         const auto column = [&](int i) {
-            return m_columns.get() +
+            return m_columns.data() +
                    static_cast<std::size_t>(std::min(first + i, endColumn - 1)) * m_columnStride;
         };
         for (int i = 0; i < pairs; ++i) {

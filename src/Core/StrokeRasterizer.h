@@ -4,12 +4,11 @@
 #include "Core/FullBlocks.h"
 #include "Core/PremultipliedColor.h"
 #include "Core/SegmentClip.h"
+#include "Core/ZeroedDoubles.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
 #include <vector>
 
 /// Lines of one width with bevel joins and butt caps, antialiased. Coordinates are pixels, y upwards from the
@@ -87,10 +86,8 @@ class StrokeRasterizer {
     int m_height;
     double m_halfWidth;
     std::size_t
-        m_columnStride; ///< doubles of a column: its rows, and three for what begins at the upper edge
-    /// Second differences of the coverage, upwards; zero where nothing was added. Zeros of the system's own,
-    /// so that only pages that are drawn on are ever fetched.
-    std::unique_ptr<double[], decltype(&std::free)> m_columns;
+        m_columnStride;       ///< doubles of a column: its rows, and three for what begins at the upper edge
+    ZeroedDoubles m_columns;  ///< second differences of the coverage, upwards; zero where nothing was added
     std::vector<Rows> m_rows; ///< of each column, the rows that were added to
     int m_firstColumn;        ///< the columns that were added to
     int m_endColumn = 0;
