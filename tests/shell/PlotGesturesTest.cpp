@@ -264,6 +264,9 @@ TEST_F(PlotGesturesTest, theMouseIsFollowedByTwoStripsAndNothingIsLeftBehind) {
     settle();
     PaintRecorder paints;
     view.installEventFilter(&paints);
+    view.update(); // with which comes all that is still to be painted of the new curve
+    EXPECT_TRUE(support::waitUntil([&] { return !paints.areas.empty(); }));
+    paints.areas.clear();
     move(at(61, 50));
     const PlotLayout& layout = view.scene().layout();
     const QRect bottom(layout.marginLeft, view.height() - layout.marginBottom - tick_height, layout.selfWidth,
