@@ -8,6 +8,5 @@
 double decimalLogarithm(double value);
 
 /// `decimalLogarithm` of each of `values`, bit for bit, to `logarithms`, which must be as long and lie
-/// elsewhere. Fastest where
-/// all are normal and above 0.
+/// elsewhere. Fastest where all are normal and above 0.
 void decimalLogarithms(std::span<const double> values, std::span<double> logarithms);
