@@ -5,6 +5,7 @@
 #include "Classes/CurvesSidebar/ExpressionField.h"
 #include "Classes/ExpressionEvaluator/XExpressionEvaluator.h"
 #include "Classes/GraphViewController/XGraphViewController.h"
+#include "Classes/Recovery/AutosaveFolder.h"
 #include "Classes/TabBar/QXTabBar.h"
 #include "Classes/WindowControllers/MoxDocumentWindow.h"
 #include "Classes/WindowControllers/WindowMenus.h"
@@ -15,6 +16,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QDir>
 #include <QFile>
 #include <QLineEdit>
 #include <QMenu>
@@ -55,6 +57,10 @@ void write(const QString& path, const QByteArray& bytes, QIODevice::OpenMode mod
 
 bool isUsable(const QWidget* widget) {
     return widget->isVisible() && widget->isEnabled() && !widget->rect().isEmpty();
+}
+
+bool isNothingAutosaved() {
+    return QDir(AutosaveFolder::standardPath()).isEmpty();
 }
 
 } // namespace
@@ -110,6 +116,8 @@ void RandomUser::makeDocument() {
     m_application.setPlotInspectorVisible(true);
     m_documentBytes = support::ScratchFolder::read(path("soak.mox"));
     settle();
+    made.setPlotAreaTitle(u"title"_qs);
+    (void)support::waitUntil([] { return !isNothingAutosaved(); }); // by a thread that stays
     closeEverything();
 }
 
@@ -146,7 +154,10 @@ void RandomUser::act() {
 }
 
 void RandomUser::settle() {
-    (void)support::waitUntil([this] { return isIdle(); }, 300);
+    const auto isAllDone = [this] {
+        return isIdle() && (!m_application.documents().windows().isEmpty() || isNothingAutosaved());
+    };
+    (void)support::waitUntil(isAllDone, 300);
     finishDeletions();
 }
 

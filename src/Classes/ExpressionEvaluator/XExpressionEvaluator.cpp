@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr std::size_t mostTasksAtOnce = 4;
-
 struct Shared {
     std::mutex mutex;
     std::unique_ptr<XExpressionEvaluator> evaluator;
@@ -31,7 +29,7 @@ quint64 nextGeneration() {
 
 } // namespace
 
-XExpressionEvaluator::XExpressionEvaluator() : m_evalTasksQueue(mostTasksAtOnce) {
+XExpressionEvaluator::XExpressionEvaluator() : m_evalTasksQueue(mostAtOnce) {
     expressionErrors::prepareLibrary();
 }
 

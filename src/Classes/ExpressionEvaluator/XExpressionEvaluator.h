@@ -6,11 +6,14 @@
 
 #include <QString>
 
+#include <cstddef>
 #include <memory>
 
-/// At most four evaluations at once. Main thread.
+/// Main thread.
 class XExpressionEvaluator {
   public:
+    static constexpr std::size_t mostAtOnce = 4; ///< evaluations; each needs a thread, which stays
+
     XExpressionEvaluator();
 
     /// Made at the first call, on the main thread; ends with the application object unless `shutDown` came
