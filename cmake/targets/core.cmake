@@ -7,26 +7,31 @@ velquin_library(core
     Core/CivilDate.h
     Core/ClampToInt.h
     Core/ColorName.h
+    Core/CoverageSums.h
     Core/DecimalLogarithm.h
+    Core/EdgeSums.h
+    Core/FloatQuad.h
     Core/FullBlocks.h
     Core/LegendPlacement.h
     Core/NewCurveColor.h
     Core/MissingValue.h
     Core/NumberText.h
     Core/PixelMath.h
+    Core/PixelRange.h
     Core/PolylineCompressor.h
     Core/PostfixProgram.h
     Core/PremultipliedColor.h
     Core/SegmentClip.h
     Core/ShortDecimal.h
     Core/SignalFilters.h
+    Core/StripSums.h
     Core/StrokeRasterizer.h
     Core/VectorState.h
     Core/RgbaColor.h
     Core/TabLayout.h
     Core/TickCompressor.h
     Core/TextToDouble.h
-    Core/ZeroedDoubles.h
+    Core/ZeroedArray.h
     EmbeddedPlugins/Common/XPTableData.h
     EmbeddedPlugins/Common/XValueRange.h
     libparsers/ByteScan.h
@@ -37,7 +42,9 @@ velquin_library(core
     Core/CalendarFields.cpp
     Core/CivilDate.cpp
     Core/ColorName.cpp
+    Core/CoverageSums.cpp
     Core/DecimalLogarithm.cpp
+    Core/EdgeSums.cpp
     Core/FullBlocks.cpp
     Core/LegendPlacement.cpp
     Core/NewCurveColor.cpp
@@ -46,12 +53,13 @@ velquin_library(core
     Core/PostfixProgram.cpp
     Core/PremultipliedColor.cpp
     Core/SignalFilters.cpp
+    Core/StripSums.cpp
     Core/StrokeRasterizer.cpp
     Core/RgbaColor.cpp
     Core/TabLayout.cpp
     Core/TickCompressor.cpp
     Core/TextToDouble.cpp
-    Core/ZeroedDoubles.cpp
+    Core/ZeroedArray.cpp
     EmbeddedPlugins/Common/XPTableData.cpp
     libparsers/csv.cpp
   USES Threads::Threads)

@@ -1,6 +1,7 @@
 // Which blocks of a picture are full, so that drawing there again shows nothing.
 #pragma once
 
+#include "Core/PixelRange.h"
 #include "Core/SegmentClip.h"
 
 #include <algorithm>
@@ -9,7 +10,8 @@
 #include <vector>
 
 /// A picture cut into stacks of blocks: a stack has a few neighbouring columns of pixels, its blocks are at
-/// most 64 bands of rows, counted upwards. All measures are pixels.
+/// most 64 bands of rows, counted upwards. Towards the border of the picture they become smaller: there a
+/// line in no order is thinnest, and most of what it leaves open in the end. All measures are pixels.
 class FullBlocks {
   public:
     /// The bands of a stack, one bit each, from the lowest.
@@ -19,10 +21,11 @@ class FullBlocks {
     FullBlocks(int width, int height);
 
     int stacks() const { return static_cast<int>(m_full.size()); }
-    int stackWidth() const { return m_stackWidth; } ///< the last one may have fewer columns
-    int bands() const { return m_bands; }
-    int bandHeight() const { return m_bandHeight; } ///< the highest one may have fewer rows
-    Bands allBands() const { return ~Bands{0} >> (64 - m_bands); }
+    PixelRange columns(int stack) const { return rangeAt(m_stackEnds, stack); }
+    int stackAt(int column) const { return m_stackAt[static_cast<std::size_t>(column)]; }
+    int bands() const { return static_cast<int>(m_bandEnds.size()); }
+    PixelRange rows(int band) const { return rangeAt(m_bandEnds, band); }
+    Bands allBands() const { return ~Bands{0} >> (64 - m_bandEnds.size()); }
 
     void setFull(int stack, Bands bands);
     Bands full(int stack) const { return m_full[static_cast<std::size_t>(stack)]; }
@@ -41,17 +44,20 @@ class FullBlocks {
     ClipBox greatestBox(double margin) const;
 
   private:
+    static PixelRange rangeAt(const std::vector<int>& ends, int i) {
+        const auto at = static_cast<std::size_t>(i);
+        return {at == 0 ? 0 : ends[at - 1], ends[at]};
+    }
     unsigned bandAt(double y) const {
-        return std::min(static_cast<unsigned>(std::clamp<double>(y, 0, m_height) * m_bandsPerRow),
-                        static_cast<unsigned>(m_bands - 1));
+        return m_bandAt[static_cast<std::size_t>(std::clamp<double>(y, 0, m_height))];
     }
 
     int m_width;
     int m_height;
-    int m_stackWidth;
-    int m_bandHeight;
-    int m_bands;
-    double m_bandsPerRow;
+    std::vector<int> m_stackEnds;         ///< columns
+    std::vector<int> m_bandEnds;          ///< rows; of at least one band
+    std::vector<std::uint16_t> m_stackAt; ///< of each column
+    std::vector<std::uint8_t> m_bandAt;   ///< of each row and of the upper border
     bool m_isAnyFull = false;
     std::vector<Bands> m_full; ///< of each stack
 };

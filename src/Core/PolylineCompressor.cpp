@@ -1,11 +1,11 @@
 // The grouping of points by pixel, one by one, and a block at a time where many fall on one pixel column.
 #include "Core/PolylineCompressor.h"
 
+#include "Core/FloatQuad.h"
 #include "Core/PixelMath.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <utility>
 
 namespace {
@@ -21,34 +21,23 @@ constexpr PlotPoint noPoint{-1, std::numeric_limits<float>::quiet_NaN(),
 
 constexpr std::size_t blockLength = 16;
 
-/// Four floats that the processor compares at once.
-using Quad = float __attribute__((vector_size(4 * sizeof(float))));
-using IntQuad = std::int32_t __attribute__((vector_size(4 * sizeof(std::int32_t))));
-
 /// Least and greatest of a block.
 struct BlockRange {
-    Quad least;
-    Quad greatest;
+    FloatQuad low;
+    FloatQuad high;
 
-    explicit BlockRange(Quad first) : least(first), greatest(first) {}
-    void add(Quad values) {
-        least = values < least ? values : least;
-        greatest = values > greatest ? values : greatest;
+    explicit BlockRange(FloatQuad first) : low(first), high(first) {}
+    void add(FloatQuad values) {
+        low = least(values, low);
+        high = greatest(values, high);
     }
-    float minimum() const { return std::min({least[0], least[1], least[2], least[3]}); }
-    float maximum() const { return std::max({greatest[0], greatest[1], greatest[2], greatest[3]}); }
+    float minimum() const { return std::min({low[0], low[1], low[2], low[3]}); }
+    float maximum() const { return std::max({high[0], high[1], high[2], high[3]}); }
 };
 
-Quad quadAt(const float* values) {
-    Quad quad;
-    std::memcpy(&quad, values, sizeof quad);
-    return quad;
-}
-
 /// `truncatedPixel` of each of four values that are not negative.
-IntQuad truncatedPixels(Quad values) {
-    constexpr float bound = 1 << 30;
-    return __builtin_convertvector(values < bound ? values : Quad{bound, bound, bound, bound}, IntQuad);
+IntQuad truncatedPixels(FloatQuad values) {
+    return truncated(least(values, quadOf(1 << 30)));
 }
 
 /// Puts the four extremes in the order of the data.
@@ -175,10 +164,10 @@ inline bool PolylineCompressor::takeBlock(const float* x, const float* y, std::i
         return false;
     BlockRange xs(quadAt(x));
     BlockRange ys(quadAt(y));
-    Quad sum = quadAt(x) + quadAt(y); // of all: NaN as soon as one is NaN
+    FloatQuad sum = quadAt(x) + quadAt(y); // of all: NaN as soon as one is NaN
     for (std::size_t i = 4; i < blockLength; i += 4) {
-        const Quad nextX = quadAt(x + i);
-        const Quad nextY = quadAt(y + i);
+        const FloatQuad nextX = quadAt(x + i);
+        const FloatQuad nextY = quadAt(y + i);
         xs.add(nextX);
         ys.add(nextY);
         sum += nextX + nextY;
@@ -224,8 +213,8 @@ inline bool PolylineCompressor::areApart(const float* x, const float* y) const {
         return false;
     IntQuad apart{-1, -1, -1, -1};
     for (std::size_t i = 0; i < blockLength; i += 4) {
-        const Quad nextX = quadAt(x + i);
-        const Quad nextY = quadAt(y + i);
+        const FloatQuad nextX = quadAt(x + i);
+        const FloatQuad nextY = quadAt(y + i);
         apart &= (nextX >= 0) & (nextX <= m_width) & (nextY >= 0) & (nextY <= m_height);
         apart &= truncatedPixels(nextX) != truncatedPixels(quadAt(x + i - 1));
         apart &= truncatedPixels(nextY) != truncatedPixels(quadAt(y + i - 1));

@@ -10,13 +10,20 @@
 
 namespace {
 
+unsigned bandAt(const FullBlocks& blocks, int row) {
+    int band = 0;
+    while (band + 1 < blocks.bands() && blocks.rows(band).end <= row)
+        ++band;
+    return static_cast<unsigned>(band);
+}
+
 /// The same blocks, pixel by pixel.
 struct Pixels {
     explicit Pixels(const FullBlocks& blocks, int pixelWidth, int pixelHeight)
         : width(pixelWidth), height(pixelHeight) {
         for (int x = 0; x < width; ++x) {
             for (int y = 0; y < height; ++y)
-                full.push_back((blocks.full(x / blocks.stackWidth()) >> (y / blocks.bandHeight()) & 1U) != 0);
+                full.push_back((blocks.full(blocks.stackAt(x)) >> bandAt(blocks, y) & 1U) != 0);
         }
     }
     bool areFull(int left, int right, int low, int high) const {
@@ -52,7 +59,7 @@ TEST(FullBlocks, RowsAndTheGreatestBoxAreThoseOfThePixels) {
         int width;
         int height;
     };
-    for (const Size size : {Size{40, 30}, Size{37, 64}, Size{17, 131}, Size{8, 1}}) {
+    for (const Size size : {Size{40, 30}, Size{37, 64}, Size{17, 131}, Size{8, 1}, Size{3, 200}}) {
         for (const double share : {0.0, 0.5, 0.9, 1.0}) {
             const FullBlocks blocks = someFull(size.width, size.height, share, random);
             const Pixels pixels(blocks, size.width, size.height);
@@ -60,22 +67,22 @@ TEST(FullBlocks, RowsAndTheGreatestBoxAreThoseOfThePixels) {
             for (int i = 0; i < 200; ++i) {
                 const auto [low, high] = std::minmax({row(random), row(random)});
                 const int stack = i % blocks.stacks();
-                const int left = stack * blocks.stackWidth();
+                const PixelRange columns = blocks.columns(stack);
                 // Of a band that they touch, all rows count.
-                const auto band = [&](int y) {
-                    return std::clamp(y, 0, size.height - 1) / blocks.bandHeight();
+                const auto rows = [&](int y) {
+                    const unsigned band = bandAt(blocks, std::clamp(y, 0, size.height - 1));
+                    return blocks.rows(static_cast<int>(band));
                 };
                 EXPECT_EQ(blocks.covers(stack, low + 0.25, high + 0.75),
-                          pixels.areFull(left, std::min(left + blocks.stackWidth(), size.width),
-                                         band(low) * blocks.bandHeight(),
-                                         (band(high) + 1) * blocks.bandHeight()))
+                          pixels.areFull(columns.first, columns.end, rows(low).first, rows(high).end))
                     << size.height << ": " << low << " to " << high;
             }
 
             double greatest = 0;
-            for (int begin = 0; begin < size.width; begin += blocks.stackWidth()) {
-                for (int end = begin; end < size.width;) {
-                    end = std::min(size.width, end + blocks.stackWidth());
+            for (int first = 0; first < blocks.stacks(); ++first) {
+                for (int last = first; last < blocks.stacks(); ++last) {
+                    const int begin = blocks.columns(first).first;
+                    const int end = blocks.columns(last).end;
                     for (int low = 0; low < size.height; ++low) {
                         int top = low;
                         while (top < size.height && pixels.areFull(begin, end, top, top + 1))
@@ -107,14 +114,16 @@ TEST(FullBlocks, ABoxKeepsItsMarginFromWhatIsNotFullAndHasNoEndAtTheBorder) {
         const ClipBox greatest = blocks.greatestBox(1.5);
         return std::vector{greatest.left, greatest.low, greatest.right, greatest.high};
     };
-    blocks.setFull(1, 0b0000111100);
+    ASSERT_EQ(blocks.rows(2).end, 6); // five bands of two rows, and columns 8 to 24 in two stacks
+    ASSERT_EQ(blocks.columns(4).first, 8);
+    blocks.setFull(4, 0b00110);
     EXPECT_EQ(box(), (std::vector{9.5, 3.5, 14.5, 4.5}));
-    blocks.setFull(2, blocks.allBands());
-    blocks.setFull(3, blocks.allBands());
+    for (int stack = 5; stack < blocks.stacks(); ++stack)
+        blocks.setFull(stack, blocks.allBands());
     EXPECT_EQ(box(), (std::vector{17.5, -beyond, beyond, beyond}));
     EXPECT_TRUE(blocks.isAnyFull());
     blocks.clear();
-    EXPECT_FALSE(blocks.isAnyFull() || blocks.covers(2, 3, 4));
+    EXPECT_FALSE(blocks.isAnyFull() || blocks.covers(5, 3, 4));
     EXPECT_FALSE(blocks.greatestBox(0).contains(20, 5));
 }
 

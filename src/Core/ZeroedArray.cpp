@@ -1,5 +1,5 @@
 // Small arrays from the allocator, large ones mapped.
-#include "Core/ZeroedDoubles.h"
+#include "Core/ZeroedArray.h"
 
 #include <sys/mman.h>
 
@@ -16,16 +16,15 @@ constexpr std::size_t leastMapped = 2 * hugePage;
 
 } // namespace
 
-ZeroedDoubles::ZeroedDoubles(std::size_t count) {
-    if (count > (std::numeric_limits<std::size_t>::max() - hugePage) / sizeof(double))
+ZeroedMemory::ZeroedMemory(std::size_t count, std::size_t size) {
+    if (count > (std::numeric_limits<std::size_t>::max() - hugePage) / size)
         throw std::bad_alloc();
-    const std::size_t bytes = count * sizeof(double);
+    const std::size_t bytes = count * size;
     if (bytes < leastMapped) {
-        m_mapping =
-            std::calloc(count + 1, sizeof(double)); // never of no bytes, for which null is an answer, too
+        m_mapping = std::calloc(count + 1, size); // never of no bytes, for which null is an answer, too
         if (m_mapping == nullptr)
             throw std::bad_alloc();
-        m_data = static_cast<double*>(m_mapping);
+        m_data = m_mapping;
         return;
     }
     std::size_t room = bytes + hugePage;
@@ -36,13 +35,13 @@ ZeroedDoubles::ZeroedDoubles(std::size_t count) {
     m_mappedBytes = room;
     void* aligned = mapping;
     std::align(hugePage, bytes, aligned, room);
-    m_data = static_cast<double*>(aligned);
+    m_data = aligned;
 #ifdef MADV_HUGEPAGE
     madvise(m_data, bytes, MADV_HUGEPAGE); // a wish only
 #endif
 }
 
-ZeroedDoubles::~ZeroedDoubles() {
+ZeroedMemory::~ZeroedMemory() {
     if (m_mappedBytes != 0)
         munmap(m_mapping, m_mappedBytes);
     else

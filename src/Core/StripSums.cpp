@@ -1,0 +1,118 @@
+// The coverage of strips: four columns at a time, each from its lowest pixel on.
+#include "Core/StripSums.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double leastRise = 1e-6; ///< of a line in a column; a flatter one is drawn as if it rose as much
+constexpr float noFirstRow = 1 << 20;
+constexpr float noEndRow = -noFirstRow;
+
+/// The integral up to `v` of a ramp that rises from 0 to 1 as its argument does, and stays there: v * v / 2
+/// between, and v - 1 / 2 above.
+FloatQuad ramp(FloatQuad v) {
+    const FloatQuad above = greatest(v, FloatQuad{});
+    const FloatQuad within = least(above, quadOf(1));
+    return above + within * (within * quadOf(0.5F) - quadOf(1));
+}
+
+} // namespace
+
+StripSums::StripSums(int width, int height)
+    : m_height(height),
+      // Odd, so that columns do not compete for cache lines.
+      m_stride(static_cast<std::size_t>(height + 2 * margin) | 1U),
+      m_sums(static_cast<std::size_t>(width) * m_stride),
+      m_firstRows(static_cast<std::size_t>(width) + lanes, noFirstRow),
+      m_endRows(static_cast<std::size_t>(width) + lanes, noEndRow) {}
+
+/// Notes that some columns were added to, whose rows are given as whole numbers.
+inline void StripSums::touchRows(int firstColumn, int count, FloatQuad firstRows, FloatQuad endRows) {
+    float* const first = m_firstRows.data() + firstColumn;
+    float* const end = m_endRows.data() + firstColumn;
+    if (count == lanes) {
+        store(least(quadAt(first), firstRows), first);
+        store(greatest(quadAt(end), endRows), end);
+        return;
+    }
+    for (int i = 0; i < count; ++i) {
+        first[i] = std::min(first[i], firstRows[i]);
+        end[i] = std::max(end[i], endRows[i]);
+    }
+}
+
+/// Within a column a line rises from a to a + r. The area below it and below the height t is the integral of
+/// a ramp, r ramp((t - a) / r), and that of the strip is what its lower line has more than its upper one. Of
+/// a pixel it is the difference of the areas below its upper and its lower border.
+bool StripSums::add(PixelRange columns, double low, double high, double slope) {
+    const double lastLow = low + slope * columns.count();
+    const double extent = std::abs(slope) + high - low;
+    const bool isNear = std::min(low, lastLow) >= -mostOutside &&
+                        std::max(low, lastLow) + (high - low) <= m_height + mostOutside;
+    if (!isNear || !(extent <= lanes * mostQuads - 1))
+        return false;
+    const int quads = static_cast<int>(std::ceil((extent + 1) / lanes));
+    const double rise = std::max(std::abs(slope), leastRise);
+    const FloatQuad rises = quadOf(static_cast<float>(rise));
+    const FloatQuad perRow = quadOf(static_cast<float>(1 / rise));
+    const FloatQuad thickness = quadOf(static_cast<float>((high - low) / rise));
+    const FloatQuad offsets = FloatQuad{0, 1, 2, 3} * quadOf(static_cast<float>(slope));
+    const FloatQuad rowsAtOnce = quadOf(static_cast<float>(quads * lanes));
+    const double lowest = low + std::min(slope, 0.0) + margin; // in the first column, above its first sum
+    const double leastOfFour = std::min(0.0, (lanes - 1) * slope);
+    float* sums = m_sums.data() + static_cast<std::size_t>(columns.first) * m_stride;
+    for (int column = columns.first; column < columns.end; column += lanes, sums += lanes * m_stride) {
+        const double begin = lowest + slope * (column - columns.first);
+        const int base = static_cast<int>(begin + leastOfFour);
+        const FloatQuad begins = quadOf(static_cast<float>(begin - base)) + offsets;
+        const IntQuad firsts = truncated(begins);
+        const FloatQuad firstRows = asFloats(firsts) + quadOf(static_cast<float>(base - margin));
+        const int count = std::min(lanes, columns.end - column);
+        touchRows(column, count, firstRows, firstRows + rowsAtOnce);
+
+        FloatQuad heights = (asFloats(firsts) - begins) * perRow; // of the lower borders of the first pixels
+        FloatQuad areaBelow{};
+        const auto next = [&] {
+            heights += perRow;
+            const FloatQuad area = (ramp(heights) - ramp(heights - thickness)) * rises;
+            const FloatQuad ofPixels = area - areaBelow;
+            areaBelow = area;
+            return ofPixels;
+        };
+        const auto addTo = [&](int i, int row, FloatQuad pixels) {
+            float* const rows = sums + base + firsts[i] + row + static_cast<std::size_t>(i) * m_stride;
+            store(quadAt(rows) + pixels, rows);
+        };
+        for (int row = 0; row < quads * lanes; row += lanes) {
+            FloatQuad pixels0 = next();
+            FloatQuad pixels1 = next();
+            FloatQuad pixels2 = next();
+            FloatQuad pixels3 = next();
+            transpose(pixels0, pixels1, pixels2, pixels3);
+            addTo(0, row, pixels0);
+            if (count > 1)
+                addTo(1, row, pixels1);
+            if (count > 2)
+                addTo(2, row, pixels2);
+            if (count > 3)
+                addTo(3, row, pixels3);
+        }
+    }
+    m_touchedColumns.first = std::min(m_touchedColumns.first, columns.first);
+    m_touchedColumns.end = std::max(m_touchedColumns.end, columns.end);
+    m_additions += columns.count();
+    return true;
+}
+
+void StripSums::clear(int column) {
+    const PixelRange touched = touchedRows(column);
+    const auto i = static_cast<std::size_t>(column);
+    if (!touched.isEmpty()) {
+        float* const sums = m_sums.data() + i * m_stride + margin;
+        std::fill(sums + touched.first, sums + touched.end, 0.0F);
+    }
+    m_firstRows[i] = noFirstRow;
+    m_endRows[i] = noEndRow;
+}
