@@ -58,6 +58,7 @@ bool StripSums::add(PixelRange columns, double low, double high, double slope) {
     const FloatQuad rises = quadOf(static_cast<float>(rise));
     const FloatQuad perRow = quadOf(static_cast<float>(1 / rise));
     const FloatQuad thickness = quadOf(static_cast<float>((high - low) / rise));
+    const FloatQuad wholeArea = quadOf(static_cast<float>(high - low));
     const FloatQuad offsets = FloatQuad{0, 1, 2, 3} * quadOf(static_cast<float>(slope));
     const FloatQuad rowsAtOnce = quadOf(static_cast<float>(quads * lanes));
     const double lowest = low + std::min(slope, 0.0) + margin; // in the first column, above its first sum
@@ -85,20 +86,27 @@ bool StripSums::add(PixelRange columns, double low, double high, double slope) {
             float* const rows = sums + base + firsts[i] + row + static_cast<std::size_t>(i) * m_stride;
             store(quadAt(rows) + pixels, rows);
         };
-        for (int row = 0; row < quads * lanes; row += lanes) {
-            FloatQuad pixels0 = next();
-            FloatQuad pixels1 = next();
-            FloatQuad pixels2 = next();
-            FloatQuad pixels3 = next();
-            transpose(pixels0, pixels1, pixels2, pixels3);
-            addTo(0, row, pixels0);
+        const auto addRows = [&](int row, FloatQuad a, FloatQuad b, FloatQuad c, FloatQuad d) {
+            transpose(a, b, c, d);
+            addTo(0, row, a);
             if (count > 1)
-                addTo(1, row, pixels1);
+                addTo(1, row, b);
             if (count > 2)
-                addTo(2, row, pixels2);
+                addTo(2, row, c);
             if (count > 3)
-                addTo(3, row, pixels3);
+                addTo(3, row, d);
+        };
+        int row = 0;
+        for (; row < (quads - 1) * lanes; row += lanes) {
+            const FloatQuad a = next();
+            const FloatQuad b = next();
+            const FloatQuad c = next();
+            addRows(row, a, b, c, next());
         }
+        const FloatQuad a = next();
+        const FloatQuad b = next();
+        const FloatQuad c = next();
+        addRows(row, a, b, c, wholeArea - areaBelow); // the strip ends below the last border
     }
     m_touchedColumns.first = std::min(m_touchedColumns.first, columns.first);
     m_touchedColumns.end = std::max(m_touchedColumns.end, columns.end);

@@ -142,19 +142,15 @@ inline void StrokeRasterizer::addOutline(const Rectangle& corners, PixelRange co
         m_sums.addEdge(corners[i], corners[(i + 1) % corners.size()], columns);
 }
 
-/// Fills the outer side of a bend, unless it is full there.
+/// The triangle that fills the outer side of a bend, unless it is full there.
 inline void StrokeRasterizer::addJoin(StrokePoint at, StrokePoint normalBefore, StrokePoint normalAfter) {
-    const PixelRange columns{columnAt(at.x - m_halfWidth),
-                             std::min(columnAt(at.x + m_halfWidth) + 1, m_width)};
-    if (!areFull(columns, at.y - m_halfWidth, at.y + m_halfWidth))
-        addBevel(at, normalBefore, normalAfter);
-}
-
-/// The triangle on the outer side of a bend.
-inline void StrokeRasterizer::addBevel(StrokePoint at, StrokePoint normalBefore, StrokePoint normalAfter) {
     const double twiceArea = normalBefore.x * normalAfter.y - normalBefore.y * normalAfter.x;
     if (std::abs(twiceArea) < 1e-4)
         return; // far below what one step of a colour shows
+    const PixelRange columns{columnAt(at.x - m_halfWidth),
+                             std::min(columnAt(at.x + m_halfWidth) + 1, m_width)};
+    if (areFull(columns, at.y - m_halfWidth, at.y + m_halfWidth))
+        return;
     const double side = twiceArea > 0 ? -1 : 1;
     StrokePoint first{at.x + side * normalBefore.x, at.y + side * normalBefore.y};
     StrokePoint second{at.x + side * normalAfter.x, at.y + side * normalAfter.y};

@@ -47,7 +47,6 @@ class StrokeRasterizer {
     void addInner(const Segment& segment, PixelRange columns);
     bool areFull(PixelRange columns, double low, double high) const;
     void addJoin(StrokePoint at, StrokePoint normalBefore, StrokePoint normalAfter);
-    void addBevel(StrokePoint at, StrokePoint normalBefore, StrokePoint normalAfter);
     std::int64_t work() const;
     void searchLater();
     void findWhatIsFull();
