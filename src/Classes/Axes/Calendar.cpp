@@ -23,6 +23,11 @@ std::int64_t daysOf(const CalendarComponents& local) {
     return daysFromCivil(std::clamp(local.year, -farthestYear, farthestYear), local.month, local.day);
 }
 
+/// As if the local time were UTC's.
+std::int64_t secondsOf(const CalendarComponents& local) {
+    return daysOf(local) * secondsPerDay + local.hour * 3600 + local.minute * 60 + local.second;
+}
+
 std::int64_t systemUtcOffset(std::int64_t instant) {
     const std::time_t time = instant;
     std::tm local{};
@@ -58,13 +63,19 @@ CalendarComponents Calendar::componentsOf(std::int64_t instant) const {
     return {date.year, date.month, date.day, second / 3600, second / 60 % 60, second % 60};
 }
 
+// The zone is asked as rarely as can be: beyond its table, after 2037, an answer takes half a microsecond.
+
 std::int64_t Calendar::instantOf(const CalendarComponents& local) const {
-    const std::int64_t time =
-        daysOf(local) * secondsPerDay + local.hour * 3600 + local.minute * 60 + local.second;
+    const std::int64_t time = secondsOf(local);
     const std::int64_t before = offsetAt(time - farthestOffset);
+    if (offsetAt(time - before) == before)
+        return std::clamp(time - before, -limit, limit);
     const std::int64_t after = offsetAt(time + farthestOffset);
-    const bool afterChange = offsetAt(time - before) != before && offsetAt(time - after) == after;
-    return std::clamp(time - (afterChange ? after : before), -limit, limit);
+    return std::clamp(time - (offsetAt(time - after) == after ? after : before), -limit, limit);
+}
+
+std::int64_t Calendar::instantOf(const CalendarComponents& local, std::int64_t guess) const {
+    return guess + offsetAt(guess) == secondsOf(local) ? std::clamp(guess, -limit, limit) : instantOf(local);
 }
 
 int Calendar::weekdayOf(const CalendarComponents& local) const {

@@ -43,6 +43,9 @@ class Calendar {
     /// Fields need not be in their ranges. A local time that daylight saving skips is as much later as the
     /// clock was put forward; of one that comes twice, the first. Clamped to `limit`.
     std::int64_t instantOf(const CalendarComponents& local) const;
+    /// The same, asking the zone once where `guess` has that local time: the instant of a local time a few
+    /// days before, and as many days of 24 hours.
+    std::int64_t instantOf(const CalendarComponents& local, std::int64_t guess) const;
     /// Sunday 1 to Saturday 7.
     int weekdayOf(const CalendarComponents& local) const;
 

@@ -70,9 +70,10 @@ std::vector<XAxisTick> XTicksGenerator::getTicks() {
     calculateDeltas();
     minDate = firstDate();
     while (static_cast<double>(minDate) < scale.max && !isFull()) {
-        if (const auto date = static_cast<double>(minDate); date > scale.min)
-            addMajorMark(
-                XTimeAxisTick(calendar, date, ticksPrecision, secondaryPrecision(), subsecondPrecision));
+        if (const auto date = static_cast<double>(minDate); date > scale.min) {
+            const CalendarComponents local = calendar.componentsOf(static_cast<std::int64_t>(date));
+            addMajorMark(XTimeAxisTick(calendar, date, local, ticksPrecision, secondaryPrecision(local)));
+        }
         const std::int64_t next = nextDate();
         if (next == minDate)
             break;
@@ -83,8 +84,7 @@ std::vector<XAxisTick> XTicksGenerator::getTicks() {
 }
 
 // The larger units that differ from those of the mark before; all of them for the first mark.
-unsigned XTicksGenerator::secondaryPrecision() {
-    const CalendarComponents local = calendar.componentsOf(minDate);
+unsigned XTicksGenerator::secondaryPrecision(const CalendarComponents& local) {
     unsigned code = TickPrecision::none;
     if (ticksPrecision > TickPrecision::year && local.year != m_lastYear) {
         code |= TickPrecision::yearChanged;

@@ -60,12 +60,11 @@ class XTicksGenerator {
     CalendarComponents tickDeltaComponents;
     double secondaryTickDelta = 0; ///< seconds between minor marks; 0: none
     unsigned ticksPrecision;
-    int subsecondPrecision = 0;
 
   private:
     std::int64_t dateAfterSteps(std::int64_t count) const;
     std::int64_t firstDate();
-    unsigned secondaryPrecision();
+    unsigned secondaryPrecision(const CalendarComponents& local);
     void addMinorMarks(std::int64_t next);
 
     std::vector<XAxisTick> m_marks;

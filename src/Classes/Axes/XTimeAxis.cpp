@@ -77,15 +77,15 @@ XAxisColorRanges XTimeAxis::colors() const {
     CalendarComponents saturday = calendar.componentsOf(static_cast<std::int64_t>(std::floor(minValue())));
     saturday = {saturday.year, saturday.month, saturday.day - calendar.weekdayOf(saturday), 0, 0, 0};
     std::vector<XAxisColorRange> weekends;
-    while (weekends.size() < maxBands) {
-        const auto start = static_cast<double>(calendar.instantOf(saturday));
-        if (!(start < maxValue()))
-            break;
+    std::int64_t start = calendar.instantOf(saturday);
+    while (weekends.size() < maxBands && static_cast<double>(start) < maxValue()) {
         CalendarComponents monday = saturday;
         monday.day += 2;
-        const auto end = static_cast<double>(calendar.instantOf(monday));
-        weekends.push_back({start, end, QStringLiteral("TickColor_weekend")});
+        const std::int64_t end = calendar.instantOf(monday, start + 2 * secondsPerDay);
+        weekends.push_back(
+            {static_cast<double>(start), static_cast<double>(end), QStringLiteral("TickColor_weekend")});
         saturday.day += 7;
+        start = calendar.instantOf(saturday, end + 5 * secondsPerDay);
     }
     auto bands = std::make_shared<const std::vector<XAxisColorRange>>(std::move(weekends));
     cacheColors(bands);

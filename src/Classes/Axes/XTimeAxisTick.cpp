@@ -38,6 +38,14 @@ QString patternOf(unsigned precision) {
 
 } // namespace
 
+XTimeAxisTick::XTimeAxisTick(const Calendar& calendar, double date, const CalendarComponents& local,
+                             unsigned precision, unsigned secondaryPrecision) {
+    value = date;
+    title = calendar.text(local, patternOf(precision));
+    if (secondaryPrecision != TickPrecision::none)
+        *title += u'\n' + calendar.text(local, patternOf(secondaryPrecision));
+}
+
 XTimeAxisTick::XTimeAxisTick(const Calendar& calendar, double date, unsigned precision,
                              unsigned secondaryPrecision, int subsecondPrecision) {
     value = date;

@@ -22,8 +22,11 @@ inline constexpr unsigned dayChanged = 768; ///< and the month with it
 
 /// Adds no fields: a list of marks holds it as an XAxisTick.
 struct XTimeAxisTick : XAxisTick {
-    /// `date` in seconds since 1970 (UTC), within the calendar's reach. `subsecondPrecision` is the count of
-    /// decimals of the seconds.
+    /// `date`, which is whole, in seconds since 1970 (UTC); `local` is the local time then.
+    XTimeAxisTick(const Calendar& calendar, double date, const CalendarComponents& local, unsigned precision,
+                  unsigned secondaryPrecision);
+    /// With parts of a second: `subsecondPrecision` is the count of decimals of the seconds. Within the
+    /// calendar's reach.
     XTimeAxisTick(const Calendar& calendar, double date, unsigned precision, unsigned secondaryPrecision,
                   int subsecondPrecision);
 
