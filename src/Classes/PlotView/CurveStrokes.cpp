@@ -94,7 +94,9 @@ class CurveStrokes::SliceThread {
         return steps;
     }
 
-    static constexpr std::size_t mostWaiting = 8;
+    /// The first steps take longest, before anything is full. With so many waiting, 6 MB, the other thread
+    /// need not wait then.
+    static constexpr std::size_t mostWaiting = 64;
 
     Slice& m_slice;
     std::stop_token m_stop;
