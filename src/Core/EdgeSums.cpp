@@ -41,7 +41,7 @@ EdgeSums::EdgeSums(int width, int height)
     : m_width(width), m_height(height),
       // Odd, so that columns do not compete for cache lines.
       m_stride((static_cast<std::size_t>(height) + 3) | 1U),
-      m_sums(static_cast<std::size_t>(width) * m_stride),
+      m_sums(static_cast<std::size_t>(width) * m_stride, Filling::Dense),
       m_touchedRows(static_cast<std::size_t>(width), none) {}
 
 void EdgeSums::addEdge(StrokePoint from, StrokePoint to, PixelRange columns) {

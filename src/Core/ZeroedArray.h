@@ -3,12 +3,15 @@
 
 #include <cstddef>
 
+/// Whether most of an array will be written to.
+enum class Filling { Dense, Sparse };
+
 /// Zeros of the system's own: pages that nothing is written to are never fetched, and large ones come in huge
 /// pages where the system has them, since fetching thousands of small ones takes longer than most pictures.
 class ZeroedMemory {
   public:
     /// Room for `count` objects of `size` bytes. Throws std::bad_alloc.
-    ZeroedMemory(std::size_t count, std::size_t size);
+    ZeroedMemory(std::size_t count, std::size_t size, Filling filling);
     ~ZeroedMemory();
     ZeroedMemory(const ZeroedMemory&) = delete;
     ZeroedMemory& operator=(const ZeroedMemory&) = delete;
@@ -25,7 +28,7 @@ template <typename Number>
 class ZeroedArray {
   public:
     /// Throws std::bad_alloc.
-    explicit ZeroedArray(std::size_t count) : m_memory(count, sizeof(Number)) {}
+    ZeroedArray(std::size_t count, Filling filling) : m_memory(count, sizeof(Number), filling) {}
 
     Number* data() { return static_cast<Number*>(m_memory.data()); }
     const Number* data() const { return static_cast<const Number*>(m_memory.data()); }
