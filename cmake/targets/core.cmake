@@ -11,7 +11,7 @@ velquin_library(core
     Core/DecimalLogarithm.h
     Core/EdgeSums.h
     Core/FloatQuad.h
-    Core/FullBlocks.h
+    Core/FullPixels.h
     Core/LegendPlacement.h
     Core/NewCurveColor.h
     Core/MissingValue.h
@@ -45,7 +45,7 @@ velquin_library(core
     Core/CoverageSums.cpp
     Core/DecimalLogarithm.cpp
     Core/EdgeSums.cpp
-    Core/FullBlocks.cpp
+    Core/FullPixels.cpp
     Core/LegendPlacement.cpp
     Core/NewCurveColor.cpp
     Core/NumberText.cpp

@@ -4,6 +4,11 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <span>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace {
 
@@ -11,36 +16,36 @@ constexpr double fullCoverage = 0.999; ///< painted as 1, and it only grows
 
 /// Two columns at once.
 using Pair = double __attribute__((vector_size(2 * sizeof(double))));
+constexpr int pairs = FullPixels::stackWidth / 2;
+
+/// A bit for each that is full.
+unsigned fullBits(Pair coverages) {
+    const auto isFull = coverages >= Pair{fullCoverage, fullCoverage};
+#ifdef __SSE2__
+    return static_cast<unsigned>(_mm_movemask_pd(reinterpret_cast<__m128d>(isFull)));
+#else
+    return (isFull[0] != 0 ? 1U : 0U) | (isFull[1] != 0 ? 2U : 0U);
+#endif
+}
 
 } // namespace
 
-void CoverageSums::findFull(FullBlocks& blocks) const {
-    constexpr int mostPairs = 4; // a sum waits for the one before, but not for those of other columns
-    for (int stack = 0; stack < blocks.stacks(); ++stack) {
-        FullBlocks::Bands open = 0;
-        FullBlocks::Bands unknown = blocks.allBands() & ~blocks.full(stack);
-        const PixelRange columns = blocks.columns(stack);
-        for (int column = columns.first; column < columns.end && unknown != 0; column += 2 * mostPairs) {
-            const PixelRange some{column, std::min(column + 2 * mostPairs, columns.end)};
-            const FullBlocks::Bands found = some.count() <= 2 ? leftOpen<1>(some, blocks, unknown)
-                                                              : leftOpen<mostPairs>(some, blocks, unknown);
-            open |= found;
-            unknown &= ~found;
-        }
-        blocks.setFull(stack, blocks.allBands() & ~open);
+void CoverageSums::findFull(FullPixels& pixels) const {
+    for (int stack = 0; stack < pixels.stacks(); ++stack) {
+        if (!pixels.isStackFull(stack))
+            findFullOfStack(pixels, stack);
     }
 }
 
-/// Those of the bands in question in which a pixel of the columns, at most two for each pair, is not full.
-template <int pairs>
-FullBlocks::Bands CoverageSums::leftOpen(PixelRange columns, const FullBlocks& blocks,
-                                         FullBlocks::Bands unknown) const {
+/// All columns at once: a sum waits for the one before, but not for those of other columns.
+void CoverageSums::findFullOfStack(FullPixels& pixels, int stack) const {
     struct Columns {
         const double* evenEdges;
         const double* oddEdges;
         const float* evenStrips;
         const float* oddStrips;
     };
+    const PixelRange columns = pixels.columns(stack);
     std::array<Columns, pairs> at;
     for (int i = 0; i < pairs; ++i) {
         const int even = std::min(columns.first + 2 * i, columns.end - 1);
@@ -48,34 +53,31 @@ FullBlocks::Bands CoverageSums::leftOpen(PixelRange columns, const FullBlocks& b
         at[static_cast<std::size_t>(i)] = {m_edges.column(even), m_edges.column(odd), m_strips.column(even),
                                            m_strips.column(odd)};
     }
-    FullBlocks::Bands open = 0;
+    const std::span<FullPixels::RowBits> bits = pixels.rowBits(stack);
     std::array<Pair, pairs> slopes{};
     std::array<Pair, pairs> coverages{};
-    for (int band = 0; band < blocks.bands(); ++band) {
-        const FullBlocks::Bands bit = FullBlocks::Bands{1} << static_cast<unsigned>(band);
-        const auto sumRows = [&](auto see) {
-            const PixelRange rows = blocks.rows(band);
-            for (int row = rows.first; row < rows.end; ++row) {
-                for (std::size_t i = 0; i < pairs; ++i) {
-                    slopes[i] += Pair{at[i].evenEdges[row], at[i].oddEdges[row]};
-                    coverages[i] += slopes[i];
-                    see(coverages[i], at[i].evenStrips + row, at[i].oddStrips + row);
-                }
-            }
-        };
-        if ((unknown & bit) == 0) {
-            sumRows([](Pair, const float*, const float*) {});
-            continue;
+    const auto sumRow = [&](int row) {
+        for (std::size_t i = 0; i < pairs; ++i) {
+            slopes[i] += Pair{at[i].evenEdges[row], at[i].oddEdges[row]};
+            coverages[i] += slopes[i];
         }
-        Pair least{1, 1};
-        sumRows([&](Pair edges, const float* even, const float* odd) {
-            const Pair all = edges + Pair{*even, *odd};
-            least = all < least ? all : least;
-        });
-        if (std::min(least[0], least[1]) < fullCoverage)
-            open |= bit;
+    };
+    for (int band = 0; band < pixels.bands(); ++band) {
+        const PixelRange rows = pixels.rows(band);
+        const bool isKnown = pixels.isBandFull(stack, band);
+        for (int row = rows.first; row < rows.end; ++row) {
+            sumRow(row);
+            if (isKnown)
+                continue;
+            unsigned full = 0;
+            for (std::size_t i = 0; i < pairs; ++i) {
+                const Pair strips{at[i].evenStrips[row], at[i].oddStrips[row]};
+                full |= fullBits(coverages[i] + strips) << 2 * i;
+            }
+            bits[static_cast<std::size_t>(row)] = static_cast<FullPixels::RowBits>(full);
+        }
     }
-    return open;
+    pixels.update(stack);
 }
 
 void CoverageSums::paint(PixelGrid image, const CoverageRamp& colors) {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Core/EdgeSums.h"
-#include "Core/FullBlocks.h"
+#include "Core/FullPixels.h"
 #include "Core/PremultipliedColor.h"
 #include "Core/StripSums.h"
 
@@ -25,15 +25,14 @@ class CoverageSums {
     /// How many columns of edges and of strips were added, ever.
     std::int64_t additions() const { return m_edges.additions() + m_strips.additions(); }
 
-    /// Looks for blocks that became full.
-    void findFull(FullBlocks& blocks) const;
+    /// Looks which pixels became full.
+    void findFull(FullPixels& pixels) const;
 
     /// Paints all over `image` and forgets it.
     void paint(PixelGrid image, const CoverageRamp& colors);
 
   private:
-    template <int pairs>
-    FullBlocks::Bands leftOpen(PixelRange columns, const FullBlocks& blocks, FullBlocks::Bands unknown) const;
+    void findFullOfStack(FullPixels& pixels, int stack) const;
     void paintColumn(int column, PixelGrid image, const CoverageRamp& colors) const;
 
     int m_height;

@@ -12,7 +12,6 @@ namespace {
 
 constexpr ClipBox nowhere{1, 1, 0, 0};
 constexpr int workOfRectangle = 8;    ///< besides its columns
-constexpr int columnsOfWork = 8;      ///< of a segment, looked at for what is full
 constexpr int fewestInnerColumns = 4; ///< of a rectangle whose long edges are worth a loop of their own
 
 } // namespace
@@ -32,7 +31,7 @@ struct StrokeRasterizer::Segment {
 
 StrokeRasterizer::StrokeRasterizer(int width, int height, double lineWidth)
     : m_width(width), m_height(height), m_halfWidth(lineWidth / 2), m_sums(width, height),
-      m_near(ClipBox::around(width, height, m_halfWidth + 1)), m_full(nowhere), m_blocks(width, height) {
+      m_near(ClipBox::around(width, height, m_halfWidth + 1)), m_full(nowhere), m_fullPixels(width, height) {
     searchLater();
 }
 
@@ -45,7 +44,7 @@ std::int64_t StrokeRasterizer::work() const {
     return m_sums.additions() + m_otherWork;
 }
 
-/// Adds a rectangle but for the blocks in which all that it draws on is full. `from` and `to` are the ends of
+/// Adds a rectangle but for the parts in which all that it draws on is full. `from` and `to` are the ends of
 /// its centre line. Points that are handed to a function as they are wait for each other in memory: a fifth
 /// of the time of short segments, hence the compiler is not asked whether to inline this one.
 [[gnu::always_inline]] inline void StrokeRasterizer::addRectangle(StrokePoint from, StrokePoint to,
@@ -56,7 +55,7 @@ std::int64_t StrokeRasterizer::work() const {
                              {from.x + normal.x, from.y + normal.y}}};
     const auto [left, right] = std::minmax({from.x, to.x});
     const bool isShort = right - left < fewestInnerColumns;
-    if (isShort && !m_blocks.isAnyFull()) {
+    if (isShort && !m_fullPixels.isAnyFull()) {
         addOutline(corners, {0, m_width});
         return;
     }
@@ -97,15 +96,15 @@ inline void StrokeRasterizer::addEnd(const Segment& segment, PixelRange columns)
 /// Adds those of the columns, in none of which the rectangle has a corner, where it is not full.
 inline void StrokeRasterizer::addInnerWhereNotFull(const Segment& segment, PixelRange columns) {
     int pending = columns.first; // the first column that is not added yet
-    if (m_blocks.isAnyFull()) {
-        m_otherWork += columns.count() / columnsOfWork;
+    if (m_fullPixels.isAnyFull()) {
+        m_otherWork += columns.count() / FullPixels::stackWidth;
         int column = columns.first;
         double y0 = segment.centreAt(column);
-        for (int stack = m_blocks.stackAt(column); column < columns.end; ++stack) {
-            const int end = std::min(columns.end, m_blocks.columns(stack).end);
+        for (int stack = column / FullPixels::stackWidth; column < columns.end; ++stack) {
+            const int end = std::min(columns.end, (stack + 1) * FullPixels::stackWidth);
             const double y1 = segment.centreAt(end);
-            if (m_blocks.covers(stack, std::min(y0, y1) - segment.halfHeight,
-                                std::max(y0, y1) + segment.halfHeight)) {
+            if (m_fullPixels.coversInStack(stack, {column, end}, std::min(y0, y1) - segment.halfHeight,
+                                           std::max(y0, y1) + segment.halfHeight)) {
                 addInner(segment, {pending, column});
                 pending = end;
             }
@@ -126,14 +125,7 @@ inline void StrokeRasterizer::addInner(const Segment& segment, PixelRange column
 
 /// Whether all rows from `low` to `high` are full in these columns.
 bool StrokeRasterizer::areFull(PixelRange columns, double low, double high) const {
-    if (!m_blocks.isAnyFull())
-        return false;
-    for (int stack = m_blocks.stackAt(columns.first);
-         stack < m_blocks.stacks() && m_blocks.columns(stack).first < columns.end; ++stack) {
-        if (!m_blocks.covers(stack, low, high))
-            return false;
-    }
-    return true;
+    return m_fullPixels.isAnyFull() && m_fullPixels.covers(columns, low, high);
 }
 
 /// Adds what of the rectangle lies in the given columns.
@@ -162,8 +154,8 @@ inline void StrokeRasterizer::addJoin(StrokePoint at, StrokePoint normalBefore, 
     m_sums.addEdge(second, at, all);
 }
 
-/// Draws what of the segment can be seen. The ends that clipping makes lie outside the picture, like all that
-/// they leave out, or deep in what is full.
+/// Draws what of the segment can be seen. The ends that clipping makes lie outside the picture, like all
+/// that they leave out, or deep in what is full.
 void StrokeRasterizer::addSegment(StrokePoint from, StrokePoint to, StrokePoint normal) {
     const StrokePoint delta{to.x - from.x, to.y - from.y};
     std::optional<SegmentPart> near = SegmentPart{0, 1};
@@ -220,8 +212,8 @@ void StrokeRasterizer::lineTo(double x, double y) {
 }
 
 void StrokeRasterizer::findWhatIsFull() {
-    m_sums.findFull(m_blocks);
-    m_full = m_blocks.greatestBox(m_halfWidth + 1);
+    m_sums.findFull(m_fullPixels);
+    m_full = m_fullPixels.greatBox(m_halfWidth + 1);
     searchLater();
 }
 
@@ -229,7 +221,7 @@ void StrokeRasterizer::paint(PixelGrid image, const CoverageRamp& colors) {
     m_sums.paint(image, colors);
     m_lastNormal = {0, 0};
     m_full = nowhere;
-    m_blocks.clear();
+    m_fullPixels.clear();
     m_lastIsInFull = false;
     searchLater();
 }

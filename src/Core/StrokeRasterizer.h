@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Core/CoverageSums.h"
-#include "Core/FullBlocks.h"
+#include "Core/FullPixels.h"
 #include "Core/PremultipliedColor.h"
 #include "Core/SegmentClip.h"
 
@@ -16,10 +16,10 @@
 /// coverages are summed, and a sum above 1 is full: joints show no seam and overlaps of a translucent stroke
 /// are not darker.
 ///
-/// A long line in no order soon covers most of the picture. Now and then it is looked which blocks are full
-/// already, and for the greatest rectangle of them. What a segment has within the rectangle is left out, and
-/// a segment that lies in it is gone after four comparisons; of the rest, the blocks that are full where it
-/// crosses them.
+/// A long line in no order soon covers most of the picture. Now and then it is looked which pixels are full
+/// already, and for a great rectangle of them. What a segment has within the rectangle is left out, and
+/// a segment that lies in it is gone after four comparisons; of the rest, what would draw on full pixels
+/// only.
 class StrokeRasterizer {
   public:
     /// `width` and `height` in pixels, not negative; takes 12 bytes a pixel. `lineWidth` in pixels, positive.
@@ -58,7 +58,7 @@ class StrokeRasterizer {
 
     ClipBox m_near; ///< what lies outside cannot touch the picture
     ClipBox m_full; ///< a centre line in here draws where everything is full
-    FullBlocks m_blocks;
+    FullPixels m_fullPixels;
     std::int64_t m_otherWork = 0;    ///< besides adding, in what it takes to add a column
     std::int64_t m_workAtSearch = 0; ///< when it is looked again for what is full
 
