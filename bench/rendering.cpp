@@ -5,6 +5,7 @@
 #include "Classes/PlotView/CurveRenderer.h"
 #include "Classes/PlotView/XPointsLibrary.h"
 #include "Core/PolylineCompressor.h"
+#include "Platform/Core/FreedMemory.h"
 
 #include <benchmark/benchmark.h>
 
@@ -187,6 +188,7 @@ void addAll() {
 } // namespace
 
 int main(int argc, char** argv) {
+    FreedMemory::goesBackToTheSystem(); // as the program has it
     benchmark::Initialize(&argc, argv);
     addAll();
     benchmark::RunSpecifiedBenchmarks();

@@ -94,9 +94,9 @@ class CurveStrokes::SliceThread {
         return steps;
     }
 
-    /// The first steps take longest, before anything is full. With so many waiting, 6 MB, the other thread
+    /// The first steps take longest, before anything is full. With so many waiting, 3 MB, the other thread
     /// need not wait then.
-    static constexpr std::size_t mostWaiting = 64;
+    static constexpr std::size_t mostWaiting = 32;
 
     Slice& m_slice;
     std::stop_token m_stop;
