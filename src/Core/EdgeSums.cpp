@@ -1,6 +1,7 @@
 // The ramps of an edge in each column that it crosses.
 #include "Core/EdgeSums.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 

@@ -4,7 +4,6 @@
 #include "Core/PixelRange.h"
 #include "Core/ZeroedArray.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>

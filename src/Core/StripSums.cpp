@@ -10,12 +10,17 @@ constexpr double leastRise = 1e-6; ///< of a line in a column; a flatter one is 
 constexpr float noFirstRow = 1 << 20;
 constexpr float noEndRow = -noFirstRow;
 
-/// The integral up to `v` of a ramp that rises from 0 to 1 as its argument does, and stays there: v * v / 2
-/// between, and v - 1 / 2 above.
-FloatQuad ramp(FloatQuad v) {
-    const FloatQuad above = greatest(v, FloatQuad{});
-    const FloatQuad within = least(above, quadOf(1));
-    return above + within * (within * quadOf(0.5F) - quadOf(1));
+/// What the integral of a ramp, that rises from 0 to 1 as its argument does and stays there, is less than its
+/// argument: v - v * v / 2 between, and 1 / 2 above.
+FloatQuad lagOfRamp(FloatQuad v) {
+    const FloatQuad within = least(greatest(v, FloatQuad{}), quadOf(1));
+    return within * (quadOf(1) - within * quadOf(0.5F));
+}
+
+/// The integral of a ramp, less that of one that begins at `later`. Exactly `later` where both have risen, so
+/// that nothing is left above a strip, however often it is added.
+FloatQuad areaBetweenRamps(FloatQuad v, FloatQuad later) {
+    return least(greatest(v, FloatQuad{}), later) - (lagOfRamp(v) - lagOfRamp(v - later));
 }
 
 } // namespace
@@ -26,8 +31,8 @@ StripSums::StripSums(int width, int height)
       m_stride(static_cast<std::size_t>(height + 2 * margin) | 1U),
       m_sums(static_cast<std::size_t>(width) * m_stride, Filling::Sparse), // most lines have no strips
 
-      m_firstRows(static_cast<std::size_t>(width) + lanes, noFirstRow),
-      m_endRows(static_cast<std::size_t>(width) + lanes, noEndRow) {}
+      m_firstRows(static_cast<std::size_t>(width), noFirstRow),
+      m_endRows(static_cast<std::size_t>(width), noEndRow) {}
 
 /// Notes that some columns were added to, whose rows are given as whole numbers.
 inline void StripSums::touchRows(int firstColumn, int count, FloatQuad firstRows, FloatQuad endRows) {
@@ -44,9 +49,10 @@ inline void StripSums::touchRows(int firstColumn, int count, FloatQuad firstRows
     }
 }
 
-/// Within a column a line rises from a to a + r. The area below it and below the height t is the integral of
-/// a ramp, r ramp((t - a) / r), and that of the strip is what its lower line has more than its upper one. Of
-/// a pixel it is the difference of the areas below its upper and its lower border.
+/// Across a column a line rises from a to a + r. The area above it and below the height t is the integral of
+/// a ramp, r ramp((t - a) / r), and a line that falls as much from a + r has the same. Of the strip it is
+/// what its lower line has more than its upper one, and of a pixel, what is below its upper border and not
+/// below its lower one.
 bool StripSums::add(PixelRange columns, double low, double high, double slope) {
     const double lastLow = low + slope * columns.count();
     const double extent = std::abs(slope) + high - low;
@@ -59,7 +65,7 @@ bool StripSums::add(PixelRange columns, double low, double high, double slope) {
     const FloatQuad rises = quadOf(static_cast<float>(rise));
     const FloatQuad perRow = quadOf(static_cast<float>(1 / rise));
     const FloatQuad thickness = quadOf(static_cast<float>((high - low) / rise));
-    const FloatQuad wholeArea = quadOf(static_cast<float>(high - low));
+    const FloatQuad wholeArea = thickness * rises;
     const FloatQuad offsets = FloatQuad{0, 1, 2, 3} * quadOf(static_cast<float>(slope));
     const FloatQuad rowsAtOnce = quadOf(static_cast<float>(quads * lanes));
     const double lowest = low + std::min(slope, 0.0) + margin; // in the first column, above its first sum
@@ -78,7 +84,7 @@ bool StripSums::add(PixelRange columns, double low, double high, double slope) {
         FloatQuad areaBelow{};
         const auto next = [&] {
             heights += perRow;
-            const FloatQuad area = (ramp(heights) - ramp(heights - thickness)) * rises;
+            const FloatQuad area = areaBetweenRamps(heights, thickness) * rises;
             const FloatQuad ofPixels = area - areaBelow;
             areaBelow = area;
             return ofPixels;
@@ -109,8 +115,7 @@ bool StripSums::add(PixelRange columns, double low, double high, double slope) {
         const FloatQuad c = next();
         addRows(row, a, b, c, wholeArea - areaBelow); // the strip ends below the last border
     }
-    m_touchedColumns.first = std::min(m_touchedColumns.first, columns.first);
-    m_touchedColumns.end = std::max(m_touchedColumns.end, columns.end);
+    m_touchedColumns = m_touchedColumns.unitedWith(columns);
     m_additions += columns.count();
     return true;
 }

@@ -15,7 +15,8 @@
 /// y upwards from the lower edge of the picture.
 class StripSums {
   public:
-    /// `width` and `height` in pixels, not negative; takes 4 bytes a pixel.
+    /// `width` and `height` in pixels, not negative; takes 4 bytes a pixel, those of a
+    /// margin below and above the picture, too.
     StripSums(int width, int height);
 
     /// Adds the strip whose lines enter the first of the columns at the heights `low` < `high` and have the
@@ -53,7 +54,8 @@ class StripSums {
     int m_height;
     std::size_t m_stride;           ///< floats of a column
     ZeroedArray<float> m_sums;      ///< column by column, each from the lowest row of its margin
-    std::vector<float> m_firstRows; ///< of each column that was added to; whole numbers
+    std::vector<float> m_firstRows; ///< of each column that was added to; whole numbers, in floats, of which
+                                    ///< four are compared at once
     std::vector<float> m_endRows;
     PixelRange m_touchedColumns = none;
     std::int64_t m_additions = 0;

@@ -10,7 +10,8 @@
 #include <cstdint>
 
 /// Lines of one width with bevel joins and butt caps, antialiased. Coordinates are pixels, y upwards from the
-/// lower edge of the picture, and may be any float: what lies outside costs nothing.
+/// lower edge of the picture, and finite; what lies outside costs nothing. Beyond 1e14 pixels, the ends of
+/// what can be seen of a segment are rounded.
 ///
 /// Each segment is a rectangle and each join a triangle, all of them turning counter-clockwise. Their
 /// coverages are summed, and a sum above 1 is full: joints show no seam and overlaps of a translucent stroke

@@ -41,6 +41,12 @@ std::vector<double> coverages(const Strip& strip) {
     return all;
 }
 
+/// Within a column; a little more, for rounding.
+double highest(const Strip& strip, int column) {
+    const double left = strip.low + strip.thickness + strip.slope * (column - strip.columns.first);
+    return std::max(left, left + strip.slope) + 1e-4;
+}
+
 TEST(StripSums, CoverTheAreaBetweenTheirEdges) {
     std::mt19937 random(6);
     std::uniform_int_distribution<int> column(0, pixelsAcross);
@@ -67,6 +73,7 @@ TEST(StripSums, CoverTheAreaBetweenTheirEdges) {
             for (int y = 0; y < pixelsUp; ++y) {
                 const double sum = strips.column(x)[y];
                 worst = std::max(worst, std::abs(sum - *next++));
+                EXPECT_TRUE(sum == 0 || y < highest(strip, x)) << "above the strip at " << x << ", " << y;
                 EXPECT_TRUE(sum == 0 || (y >= touched.first && y < touched.end)) << x << ", " << y;
             }
             strips.clear(x);
