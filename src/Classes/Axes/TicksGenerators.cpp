@@ -188,12 +188,12 @@ std::vector<XAxisTick> XMillisecondTicksGenerator::getTicks() {
     const double first = std::round((scale.min - base) / step);
     unsigned secondary = TickPrecision::yearChanged | TickPrecision::dayChanged;
     ticksPrecision = TickPrecision::second;
-    const int decimals = -exponent;
+    subsecondPrecision = -exponent;
     for (int i = 0; !isFull(); ++i) {
         const double value = base + (first + i) * step;
         if (!(value <= scale.max))
             break;
-        addMajorMark(XTimeAxisTick(calendar, value, ticksPrecision, secondary, decimals));
+        addMajorMark(XTimeAxisTick(calendar, value, ticksPrecision, secondary, subsecondPrecision));
         if (value > scale.min)
             ticksPrecision = TickPrecision::secondOfSeries;
         for (int k = 1; k < subdivisions; ++k)

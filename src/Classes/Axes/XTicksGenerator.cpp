@@ -71,8 +71,11 @@ std::vector<XAxisTick> XTicksGenerator::getTicks() {
     minDate = firstDate();
     while (static_cast<double>(minDate) < scale.max && !isFull()) {
         if (const auto date = static_cast<double>(minDate); date > scale.min) {
-            const CalendarComponents local = calendar.componentsOf(static_cast<std::int64_t>(date));
-            addMajorMark(XTimeAxisTick(calendar, date, local, ticksPrecision, secondaryPrecision(local)));
+            const CalendarComponents local = calendar.componentsOf(minDate);
+            const auto rounded = static_cast<std::int64_t>(date); // differs beyond 2^53 seconds
+            addMajorMark(XTimeAxisTick(calendar, date,
+                                       rounded == minDate ? local : calendar.componentsOf(rounded),
+                                       ticksPrecision, secondaryPrecision(local)));
         }
         const std::int64_t next = nextDate();
         if (next == minDate)

@@ -60,6 +60,7 @@ class XTicksGenerator {
     CalendarComponents tickDeltaComponents;
     double secondaryTickDelta = 0; ///< seconds between minor marks; 0: none
     unsigned ticksPrecision;
+    int subsecondPrecision = 0; ///< decimals of the seconds of the labels
 
   private:
     std::int64_t dateAfterSteps(std::int64_t count) const;
