@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr double fullCoverage = 0.999; ///< painted as 1, and it only grows
+constexpr double fullCoverage = 0.999; ///< painted as 1, and but for rounding it only grows
 
 /// Two columns at once.
 using Pair = double __attribute__((vector_size(2 * sizeof(double))));

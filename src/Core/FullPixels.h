@@ -33,7 +33,7 @@ class FullPixels {
         return {band * m_bandHeight, std::min(m_height, (band + 1) * m_bandHeight)};
     }
 
-    /// For each row of a stack, to be changed between two looks at anything else; then the stack is updated.
+    /// Of each row of a stack. After a change the stack must be updated before anything is asked.
     std::span<RowBits> rowBits(int stack) {
         m_isTouched = true;
         const auto height = static_cast<std::size_t>(m_height);

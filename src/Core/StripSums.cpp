@@ -30,7 +30,6 @@ StripSums::StripSums(int width, int height)
       // Odd, so that columns do not compete for cache lines.
       m_stride(static_cast<std::size_t>(height + 2 * margin) | 1U),
       m_sums(static_cast<std::size_t>(width) * m_stride, Filling::Sparse), // most lines have no strips
-
       m_firstRows(static_cast<std::size_t>(width), noFirstRow),
       m_endRows(static_cast<std::size_t>(width), noEndRow) {}
 
