@@ -43,7 +43,7 @@ EdgeSums::EdgeSums(int width, int height)
       // Odd, so that columns do not compete for cache lines.
       m_stride((static_cast<std::size_t>(height) + 3) | 1U),
       m_sums(static_cast<std::size_t>(width) * m_stride, Filling::Dense),
-      m_touchedRows(static_cast<std::size_t>(width), none) {}
+      m_touchedRows(static_cast<std::size_t>(width), noPixels) {}
 
 void EdgeSums::addEdge(StrokePoint from, StrokePoint to, PixelRange columns) {
     if (from.x == to.x || columns.isEmpty())
@@ -133,5 +133,5 @@ void EdgeSums::clear(int column) {
     PixelRange& touched = m_touchedRows[static_cast<std::size_t>(column)];
     if (!touched.isEmpty())
         std::fill(sumsOf(column) + touched.first, sumsOf(column) + touched.end, 0.0);
-    touched = none;
+    touched = noPixels;
 }

@@ -6,7 +6,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <vector>
 
 /// In pixels, y upwards from the lower edge of the picture.
@@ -41,7 +40,7 @@ class EdgeSums {
     }
     void clear(int column);
     /// When all columns are cleared.
-    void clearTouchedColumns() { m_touchedColumns = none; }
+    void clearTouchedColumns() { m_touchedColumns = noPixels; }
 
     /// How many times an edge was added to a column, ever.
     std::int64_t additions() const { return m_additions; }
@@ -53,13 +52,11 @@ class EdgeSums {
     void addToColumn(int column, const Ramp& begin, const Ramp& end, double signedWidth);
     double* sumsOf(int column) { return m_sums.data() + static_cast<std::size_t>(column) * m_stride; }
 
-    static constexpr PixelRange none{std::numeric_limits<int>::max(), 0};
-
     int m_width;
     int m_height;
     std::size_t m_stride; ///< doubles of a column: its rows, and three for what begins at the upper edge
     ZeroedArray<double> m_sums;
     std::vector<PixelRange> m_touchedRows; ///< of each column
-    PixelRange m_touchedColumns = none;
+    PixelRange m_touchedColumns = noPixels;
     std::int64_t m_additions = 0;
 };

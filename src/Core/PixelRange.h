@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <limits>
 
 /// From `first` to before `end`; without any when first >= end.
 struct PixelRange {
@@ -17,3 +18,6 @@ struct PixelRange {
                                  : PixelRange{std::min(first, other.first), std::max(end, other.end)};
     }
 };
+
+/// Where pixels are touched one after another: it grows by the least first and the greatest end.
+constexpr PixelRange noPixels{std::numeric_limits<int>::max(), 0};

@@ -7,7 +7,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <vector>
 
 /// What lies between two parallel lines, in whole columns of pixels: most of a long segment. A column of it
@@ -37,7 +36,7 @@ class StripSums {
     }
     void clear(int column);
     /// When all columns are cleared.
-    void clearTouchedColumns() { m_touchedColumns = none; }
+    void clearTouchedColumns() { m_touchedColumns = noPixels; }
 
     /// How many columns of strips were added, ever.
     std::int64_t additions() const { return m_additions; }
@@ -50,14 +49,12 @@ class StripSums {
     static constexpr int mostOutside = 32;
     /// Rows below and above the picture, for what of a strip lies outside.
     static constexpr int margin = mostOutside + 2 * lanes;
-    static constexpr PixelRange none{std::numeric_limits<int>::max(), 0};
-
     int m_height;
     std::size_t m_stride;           ///< floats of a column
     ZeroedArray<float> m_sums;      ///< column by column, each from the lowest row of its margin
     std::vector<float> m_firstRows; ///< of each column that was added to; whole numbers, in floats, of which
                                     ///< four are compared at once
     std::vector<float> m_endRows;
-    PixelRange m_touchedColumns = none;
+    PixelRange m_touchedColumns = noPixels;
     std::int64_t m_additions = 0;
 };

@@ -12,7 +12,7 @@ namespace {
 
 constexpr ClipBox nowhere{1, 1, 0, 0};
 constexpr int workOfRectangle = 8;    ///< besides its columns
-constexpr int fewestInnerColumns = 4; ///< of a rectangle whose long edges are worth a loop of their own
+constexpr int fewestInnerColumns = 4; ///< of a rectangle that is worth a strip
 
 } // namespace
 
@@ -63,7 +63,7 @@ std::int64_t StrokeRasterizer::work() const {
     const auto [low, high] = std::minmax({from.y, to.y});
     const PixelRange all{columnAt(left - reach.x), std::min(columnAt(right + reach.x) + 1, m_width)};
     const PixelRange inner{columnAt(left + reach.x) + 1, columnAt(right - reach.x)};
-    if (!isShort && inner.end - inner.first >= fewestInnerColumns) {
+    if (!isShort && inner.count() >= fewestInnerColumns) {
         const double slope = (to.y - from.y) / (to.x - from.x);
         const double halfHeight = m_halfWidth * std::sqrt(1 + slope * slope);
         addLong({corners, reach, from, low, high, slope, halfHeight}, all, inner);
